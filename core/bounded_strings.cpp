@@ -1,0 +1,75 @@
+// Bounded copies and appends: silent truncation, always terminated.
+#include <cstdarg>
+
+#include "gwframe.h"
+
+namespace {
+
+template <class C>
+int Copy(C* dst, size_t size, const C* src) {
+  if (!dst || dst == src) return 0;
+  size_t n = 0;
+  if (src) {
+    while (n + 1 < size && src[n]) {
+      dst[n] = src[n];
+      ++n;
+    }
+  }
+  dst[n] = 0;
+  return 0;
+}
+
+template <class C>
+int Append(C* dst, size_t size, const C* src) {
+  if (!dst) return 0;
+  size_t end = 0;
+  while (end + 1 < size && dst[end]) ++end;
+  if (src) {
+    for (size_t i = 0; src[i] && end + 1 < size; ++i) dst[end++] = src[i];
+  }
+  dst[end] = 0;
+  return 0;
+}
+
+// Trailing blanks dropped, as the message-box button texts want them.
+template <class C>
+C* MakeSz(C* dst, const C* src, int size) {
+  if (!dst || size <= 0) return dst;
+  Copy(dst, static_cast<size_t>(size), src);
+  size_t n = 0;
+  while (dst[n]) ++n;
+  while (n > 0 && dst[n - 1] == ' ') dst[--n] = 0;
+  return dst;
+}
+
+}  // namespace
+
+int QN_strcpy_s(char* dst, size_t size, const char* src, bool) { return Copy(dst, size, src); }
+int QN_wcscpy_s(wchar_t* dst, size_t size, const wchar_t* src, bool) { return Copy(dst, size, src); }
+int QN_strcat_s(char* dst, size_t size, const char* src, bool) { return Append(dst, size, src); }
+int QN_wcscat_s(wchar_t* dst, size_t size, const wchar_t* src, bool) { return Append(dst, size, src); }
+
+char* gwmakesz(char* dst, const char* src, int size) { return MakeSz(dst, src, size); }
+wchar_t* gwmakeszw(wchar_t* dst, const wchar_t* src, int size) { return MakeSz(dst, src, size); }
+
+int QN_sprintf_s(char* dst, size_t size, const char* format, ...) {
+  astr text;
+  text.str().reserve(256);
+  va_list args;
+  va_start(args, format);
+  const int n = text.formatVaList(format, args);
+  va_end(args);
+  QN_strcpy_s(dst, size, text.c_str());
+  return n;
+}
+
+int QN_swprintf_s(wchar_t* dst, size_t size, const wchar_t* format, ...) {
+  ustr text;
+  text.str().reserve(256);
+  va_list args;
+  va_start(args, format);
+  const int n = text.formatVaList(format, args);
+  va_end(args);
+  QN_wcscpy_s(dst, size, text.c_str());
+  return n;
+}

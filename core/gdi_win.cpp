@@ -1,0 +1,17 @@
+#include <windows.h>
+
+#include "core/platform.h"
+
+namespace qt {
+namespace platform {
+
+HPEN CreateSysColorPen(int sysColorIndex) { return CreatePen(PS_SOLID, 1, GetSysColor(sysColorIndex)); }
+
+HBRUSH CreateSysColorBrush(int sysColorIndex) { return CreateSolidBrush(GetSysColor(sysColorIndex)); }
+
+void DeleteGraphicsObject(void* object) {
+  if (object) DeleteObject(static_cast<HGDIOBJ>(object));
+}
+
+}  // namespace platform
+}  // namespace qt

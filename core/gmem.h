@@ -1,0 +1,41 @@
+// Movable global-memory blocks behind the gwG* helpers.
+//
+// The calls go through a table so that a test can make a chosen call fail,
+// as it would when memory runs out. Windows fills the table with GlobalAlloc
+// and kin. Linux keeps heap blocks registered by their pointer; a block may
+// hold hidden room beyond its size so that growing it one record at a time
+// costs amortised constant time, while GlobalSize-style accounting (and so
+// every caller) sees exactly the size asked for.
+#ifndef QUILTOOL_CORE_GMEM_H
+#define QUILTOOL_CORE_GMEM_H
+
+#include <cstddef>
+
+#include "quiltool_export.h"
+
+struct QtGmemCalls {
+  // GlobalAlloc(GMEM_MOVEABLE | (zero ? GMEM_ZEROINIT : 0), size)
+  void* (*alloc)(size_t size, bool zero);
+  // GlobalLock: the block's pointer, null on failure.
+  void* (*lock)(void* handle);
+  // GlobalHandle: the handle of a locked pointer, null when it has none.
+  void* (*handle)(const void* pointer);
+  // GlobalUnlock.
+  void (*unlock)(void* handle);
+  // GlobalReAlloc(handle, size, GMEM_MOVEABLE): the new handle or null
+  // (the old block then stays allocated).
+  void* (*realloc)(void* handle, size_t size);
+  // GlobalFree.
+  void (*free)(void* handle);
+  // GlobalSize.
+  size_t (*size)(void* handle);
+};
+
+// The table in use; tests replace entries and restore them afterwards.
+QT_API QtGmemCalls* qt_gmem_calls();
+// The platform's own table.
+QT_API const QtGmemCalls* qt_gmem_default_calls();
+// Size of a block as its owner sees it (GlobalSize), 0 for no block.
+QT_API size_t qt_gmem_size(const void* pointer);
+
+#endif

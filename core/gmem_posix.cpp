@@ -1,0 +1,142 @@
+// Heap blocks standing in for movable global memory. A handle is the block
+// header; its pointer is the data right behind the header. Every live block
+// is registered, so a pointer that the library did not hand out is told
+// apart without reading memory in front of it.
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <unordered_set>
+
+#include "core/gmem.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#define QT_POISON(addr, size) ASAN_POISON_MEMORY_REGION(addr, size)
+#define QT_UNPOISON(addr, size) ASAN_UNPOISON_MEMORY_REGION(addr, size)
+#else
+#define QT_POISON(addr, size) ((void)(addr), (void)(size))
+#define QT_UNPOISON(addr, size) ((void)(addr), (void)(size))
+#endif
+
+namespace {
+
+struct alignas(16) Block {
+  size_t size;      // what the owner asked for
+  size_t capacity;  // what the heap block holds
+  int locks;
+};
+
+char* DataOf(Block* b) { return reinterpret_cast<char*>(b + 1); }
+
+struct Registry {
+  std::mutex mutex;
+  std::unordered_set<const Block*> live;
+};
+Registry& Blocks() {
+  static Registry* registry = new Registry;  // outlives static destructors
+  return *registry;
+}
+
+// Bumped whenever a block goes away or moves, so a thread's cached lookup is
+// trusted only while nothing has changed.
+std::atomic<uint64_t> g_generation{1};
+struct CachedLookup {
+  const Block* block = nullptr;
+  uint64_t generation = 0;
+};
+thread_local CachedLookup t_lookup;
+
+void Register(Block* b) {
+  std::lock_guard<std::mutex> lock(Blocks().mutex);
+  Blocks().live.insert(b);
+}
+
+void Unregister(Block* b) {
+  g_generation.fetch_add(1, std::memory_order_acq_rel);
+  std::lock_guard<std::mutex> lock(Blocks().mutex);
+  Blocks().live.erase(b);
+}
+
+void HideSpare(Block* b) { QT_POISON(DataOf(b) + b->size, b->capacity - b->size); }
+
+void* Alloc(size_t size, bool zero) {
+  Block* b = static_cast<Block*>(std::malloc(sizeof(Block) + (size ? size : 1)));
+  if (!b) return nullptr;
+  b->size = size;
+  b->capacity = size;
+  b->locks = 0;
+  if (zero) std::memset(DataOf(b), 0, size);
+  Register(b);
+  return b;
+}
+
+void* Lock(void* handle) {
+  Block* b = static_cast<Block*>(handle);
+  ++b->locks;
+  return DataOf(b);
+}
+
+void* Handle(const void* pointer) {
+  if (!pointer) return nullptr;
+  const Block* candidate = reinterpret_cast<const Block*>(static_cast<const char*>(pointer) - sizeof(Block));
+  const uint64_t generation = g_generation.load(std::memory_order_acquire);
+  if (t_lookup.block == candidate && t_lookup.generation == generation) return const_cast<Block*>(candidate);
+  {
+    std::lock_guard<std::mutex> lock(Blocks().mutex);
+    if (!Blocks().live.count(candidate)) return nullptr;
+  }
+  t_lookup.block = candidate;
+  t_lookup.generation = generation;
+  return const_cast<Block*>(candidate);
+}
+
+void Unlock(void* handle) {
+  Block* b = static_cast<Block*>(handle);
+  if (b->locks > 0) --b->locks;
+}
+
+void* Realloc(void* handle, size_t size) {
+  Block* b = static_cast<Block*>(handle);
+  if (size <= b->capacity) {
+    QT_UNPOISON(DataOf(b), b->capacity);
+    b->size = size;
+    HideSpare(b);
+    return b;
+  }
+  // Grow by half again at least, so that n one-record steps cost O(n).
+  size_t capacity = b->capacity + b->capacity / 2;
+  if (capacity < size) capacity = size;
+  Block* grown = static_cast<Block*>(std::malloc(sizeof(Block) + capacity));
+  if (!grown && capacity > size) {
+    capacity = size;
+    grown = static_cast<Block*>(std::malloc(sizeof(Block) + capacity));
+  }
+  if (!grown) return nullptr;  // the old block stays as it was
+  QT_UNPOISON(DataOf(b), b->capacity);
+  std::memcpy(grown, b, sizeof(Block) + b->size);
+  Unregister(b);
+  std::free(b);
+  Register(grown);
+  grown->size = size;
+  grown->capacity = capacity;
+  HideSpare(grown);
+  return grown;
+}
+
+void Free(void* handle) {
+  Block* b = static_cast<Block*>(handle);
+  Unregister(b);
+  QT_UNPOISON(DataOf(b), b->capacity);
+  std::free(b);
+}
+
+size_t Size(void* handle) { return static_cast<Block*>(handle)->size; }
+
+const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size};
+
+}  // namespace
+
+const QtGmemCalls* qt_gmem_default_calls() { return &kPosixCalls; }

@@ -1,0 +1,19 @@
+#include <windows.h>
+
+#include "core/gmem.h"
+
+namespace {
+
+void* Alloc(size_t size, bool zero) { return GlobalAlloc(GMEM_MOVEABLE | (zero ? GMEM_ZEROINIT : 0), size); }
+void* Lock(void* handle) { return GlobalLock(handle); }
+void* Handle(const void* pointer) { return GlobalHandle(pointer); }
+void Unlock(void* handle) { GlobalUnlock(handle); }
+void* Realloc(void* handle, size_t size) { return GlobalReAlloc(handle, size, GMEM_MOVEABLE); }
+void Free(void* handle) { GlobalFree(handle); }
+size_t Size(void* handle) { return GlobalSize(handle); }
+
+const QtGmemCalls kWindowsCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size};
+
+}  // namespace
+
+const QtGmemCalls* qt_gmem_default_calls() { return &kWindowsCalls; }
