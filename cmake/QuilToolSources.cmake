@@ -38,6 +38,8 @@ function(qt_add_subsystem_tests dir)
   add_executable(${name} ${tests})
   target_link_libraries(${name} PRIVATE quiltool quiltool_testsupport qt_sqlite3 qt_tinyxml2)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  # File name of the built library, for tests that look for it beside themselves.
+  target_compile_definitions(${name} PRIVATE QT_TEST_LIBRARY_FILE="$<TARGET_FILE_NAME:quiltool>")
   qt_link_platform(${name})
   qt_register_gtest(${name})
 endfunction()

@@ -6,17 +6,32 @@
 #include <limits.h>
 #include <unistd.h>
 
-#include "core/frame_state.h"
 #include "core/platform.h"
 
 namespace qt {
 namespace platform {
 
-bool ModuleFileName(HMODULE module, std::wstring* name) {
-  void* handle = module ? static_cast<void*>(module) : static_cast<void*>(Frame().instance);
-  if (!handle) return false;
+namespace {
+
+// In glibc a dlopen() handle is the object's link map. A handle that is not
+// in the process's chain of link maps is no module, and is never looked into.
+struct link_map* LinkMapOf(void* handle) {
+  void* self = dlopen(nullptr, RTLD_LAZY | RTLD_NOLOAD);
   struct link_map* map = nullptr;
-  if (dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0 || !map) return false;
+  if (!self || dlinfo(self, RTLD_DI_LINKMAP, &map) != 0) map = nullptr;
+  if (self) dlclose(self);
+  while (map && map->l_prev) map = map->l_prev;
+  for (; map; map = map->l_next) {
+    if (static_cast<void*>(map) == handle) return map;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+bool ModuleFileName(HMODULE module, std::wstring* name) {
+  struct link_map* map = LinkMapOf(static_cast<void*>(module));
+  if (!map) return false;
   std::string path = map->l_name ? map->l_name : "";
   if (path.empty()) {
     // The main program's link map has no name.

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Runs the Windows lane's tests inside the Xvfb session that test.sh opens.
+#   usage: test-windows-inner.sh BUILD_DIR JOBS RUN_TMP ROOT
+set -uo pipefail
+dir=$1 jobs=$2 run_tmp=$3
+cd "$dir" && ctest --output-on-failure -j "$jobs" --timeout 600 > "$run_tmp/ctest-windows.log" 2>&1
+rc=$?
+grep -E 'tests passed|tests failed|Failed|\*\*\*' "$run_tmp/ctest-windows.log" || true
+exit $rc

@@ -1,0 +1,176 @@
+#!/usr/bin/env bash
+# The QuilTool test command. On a fresh Debian machine (as root) it installs
+# what is missing, then builds and tests three lanes:
+#   linux    the library, tools, benchmarks (built, not run) and all tests
+#   asan     the Linux tests again under AddressSanitizer + UBSan
+#   windows  cross-built with mingw-w64, every test run under Wine (in Xvfb)
+# and checks that a program outside the tree builds and runs against the
+# installed package on both targets. Prints one summary per lane and a last
+# line "N passed, N failed"; exits non-zero when anything failed.
+#
+#   usage: scripts/test.sh [lane ...]     (default: linux asan windows)
+set -uo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${QUILTOOL_BUILD_DIR:-$root/build}
+jobs=${QUILTOOL_JOBS:-$(nproc)}
+lanes=("$@")
+[ ${#lanes[@]} -gt 0 ] || lanes=(linux asan windows)
+
+if [ "$(id -u)" = 0 ]; then
+  bash "$root/scripts/install-deps.sh" || { echo "installing dependencies failed" >&2; exit 1; }
+fi
+
+# Everything a run leaves lives here and goes with it: temporary files, the
+# Wine prefix, installed packages.
+run_tmp=$(mktemp -d /tmp/quiltool-run.XXXXXX)
+cleanup() {
+  if [ -n "${WINEPREFIX:-}" ] && command -v wineserver >/dev/null; then wineserver -k 2>/dev/null || true; fi
+  rm -rf "$run_tmp"
+}
+trap cleanup EXIT
+export TMPDIR="$run_tmp"
+
+declare -A passed failed
+total_passed=0
+total_failed=0
+status=0
+
+# Runs ctest in $1 for lane $2, counting passes and failures.
+run_ctest() {
+  local dir=$1 lane=$2
+  shift 2
+  local log="$run_tmp/ctest-$lane.log"
+  (cd "$dir" && "$@" ctest --output-on-failure -j "$jobs" --timeout 600) 2>&1 | tee "$log" | grep -E '^\s*[0-9]+/[0-9]+ Test|tests passed|tests failed|Failed|\*\*\*' || true
+  local total fails
+  total=$(grep -oE 'out of [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+' || echo 0)
+  fails=$(grep -oE '[0-9]+ tests failed' "$log" | tail -1 | grep -oE '^[0-9]+' || echo 0)
+  if [ "${total:-0}" = 0 ]; then
+    echo "$lane: no tests ran" >&2
+    fails=1
+  fi
+  passed[$lane]=$(( total - fails ))
+  failed[$lane]=$fails
+}
+
+fail_lane() {
+  passed[$1]=0
+  failed[$1]=1
+  echo "== $1: $2" >&2
+}
+
+# Builds the example consumer against an installed package and runs it.
+check_consumer() {
+  local lane=$1 prefix=$2
+  shift 2
+  local src="$run_tmp/consumer-src-$lane" bld="$run_tmp/consumer-build-$lane"
+  cp -r "$root/examples/consumer" "$src"
+  if cmake -S "$src" -B "$bld" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" "$@" >"$run_tmp/consumer-$lane.log" 2>&1 &&
+     ninja -C "$bld" >>"$run_tmp/consumer-$lane.log" 2>&1; then
+    return 0
+  fi
+  cat "$run_tmp/consumer-$lane.log" >&2
+  return 1
+}
+
+lane_linux() {
+  local dir="$build/linux"
+  cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILTOOL_BUILD_BENCHMARKS=ON \
+    -DCMAKE_INSTALL_PREFIX="$run_tmp/prefix-linux" >/dev/null || { fail_lane linux "configure failed"; return; }
+  ninja -C "$dir" -j "$jobs" || { fail_lane linux "build failed"; return; }
+  run_ctest "$dir" linux
+  # The installed package, used the way a module outside this tree uses it.
+  if cmake --install "$dir" >/dev/null && check_consumer linux "$run_tmp/prefix-linux"; then
+    if LD_LIBRARY_PATH="$run_tmp/prefix-linux/lib" "$run_tmp/consumer-build-linux/consumer" &&
+       PKG_CONFIG_PATH="$run_tmp/prefix-linux/lib/pkgconfig" \
+         g++ -o "$run_tmp/consumer-pc" "$root/examples/consumer/main.cpp" $(PKG_CONFIG_PATH="$run_tmp/prefix-linux/lib/pkgconfig" pkg-config --cflags --libs quiltool) &&
+       LD_LIBRARY_PATH="$run_tmp/prefix-linux/lib" "$run_tmp/consumer-pc" >/dev/null; then
+      passed[linux]=$(( ${passed[linux]} + 1 ))
+      echo "linux: installed package builds and runs a consumer (CMake and pkg-config)"
+    else
+      failed[linux]=$(( ${failed[linux]} + 1 ))
+      echo "linux: consumer against the installed package FAILED" >&2
+    fi
+  else
+    failed[linux]=$(( ${failed[linux]} + 1 ))
+    echo "linux: install or consumer build FAILED" >&2
+  fi
+}
+
+lane_asan() {
+  local dir="$build/asan"
+  cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUILTOOL_SANITIZE=ON >/dev/null ||
+    { fail_lane asan "configure failed"; return; }
+  ninja -C "$dir" -j "$jobs" || { fail_lane asan "build failed"; return; }
+  ASAN_OPTIONS=detect_leaks=1:halt_on_error=1:abort_on_error=1 \
+  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+    run_ctest "$dir" asan
+}
+
+lane_windows() {
+  local dir="$build/windows" deps="$build/deps-win"
+  bash "$root/scripts/build-win-deps.sh" "$deps" || { fail_lane windows "cross-building SQLite/tinyxml2 failed"; return; }
+  cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" -DQUILTOOL_WIN_DEPS="$deps" \
+    -DCMAKE_INSTALL_PREFIX="$run_tmp/prefix-windows" >/dev/null || { fail_lane windows "configure failed"; return; }
+  ninja -C "$dir" -j "$jobs" || { fail_lane windows "build failed"; return; }
+
+  export WINEPREFIX="$run_tmp/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+  export WINEARCH=win64
+  # One X server and one persistent wineserver for the whole lane: starting
+  # them per test would cost seconds each.
+  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
+    wineboot -i >/dev/null 2>&1
+    wineserver -p
+    exec "$@"' _ "$root/scripts/test-windows-inner.sh" "$dir" "$jobs" "$run_tmp" "$root"
+  local inner=$?
+  wineserver -k 2>/dev/null || true
+  local log="$run_tmp/ctest-windows.log"
+  if [ -f "$log" ]; then
+    local total fails
+    total=$(grep -oE 'out of [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+' || echo 0)
+    fails=$(grep -oE '[0-9]+ tests failed' "$log" | tail -1 | grep -oE '^[0-9]+' || echo 0)
+    [ "${total:-0}" = 0 ] && fails=1
+    passed[windows]=$(( total - fails ))
+    failed[windows]=$fails
+  else
+    fail_lane windows "tests did not run"
+  fi
+  [ $inner -eq 0 ] || [ "${failed[windows]}" -gt 0 ] || failed[windows]=1
+
+  if cmake --install "$dir" >/dev/null && check_consumer windows "$run_tmp/prefix-windows" \
+       -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" &&
+     cp "$run_tmp/prefix-windows/bin/quiltool.dll" "$run_tmp/consumer-build-windows/" &&
+     xvfb-run -a wine "$run_tmp/consumer-build-windows/consumer.exe"; then
+    passed[windows]=$(( ${passed[windows]} + 1 ))
+    echo "windows: installed package builds and runs a consumer under Wine"
+  else
+    failed[windows]=$(( ${failed[windows]} + 1 ))
+    echo "windows: consumer against the installed package FAILED" >&2
+  fi
+}
+
+for lane in "${lanes[@]}"; do
+  echo "== lane $lane"
+  start=$SECONDS
+  case "$lane" in
+    linux) lane_linux ;;
+    asan) lane_asan ;;
+    windows) lane_windows ;;
+    *) echo "unknown lane $lane" >&2; exit 2 ;;
+  esac
+  echo "== lane $lane took $(( SECONDS - start )) s"
+done
+
+echo
+echo "== summary"
+for lane in "${lanes[@]}"; do
+  p=${passed[$lane]:-0}
+  f=${failed[$lane]:-1}
+  echo "$lane: $p passed, $f failed"
+  total_passed=$(( total_passed + p ))
+  total_failed=$(( total_failed + f ))
+done
+[ "$total_failed" -eq 0 ] || status=1
+echo "$total_passed passed, $total_failed failed"
+exit $status
