@@ -36,6 +36,17 @@ total_passed=0
 total_failed=0
 status=0
 
+# Builds $1 quietly; the log is shown when the build fails.
+build_quietly() {
+  local dir=$1 lane=$2
+  if ninja -C "$dir" -j "$jobs" >"$run_tmp/build-$lane.log" 2>&1; then
+    grep -E 'warning:' "$run_tmp/build-$lane.log" | sort -u | head -20 || true
+    return 0
+  fi
+  grep -E 'error|FAILED|undefined' "$run_tmp/build-$lane.log" | head -60 >&2
+  return 1
+}
+
 # Runs ctest in $1 for lane $2, counting passes and failures.
 run_ctest() {
   local dir=$1 lane=$2
@@ -77,7 +88,7 @@ lane_linux() {
   local dir="$build/linux"
   cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILTOOL_BUILD_BENCHMARKS=ON \
     -DCMAKE_INSTALL_PREFIX="$run_tmp/prefix-linux" >/dev/null || { fail_lane linux "configure failed"; return; }
-  ninja -C "$dir" -j "$jobs" || { fail_lane linux "build failed"; return; }
+  build_quietly "$dir" linux || { fail_lane linux "build failed"; return; }
   run_ctest "$dir" linux
   # The installed package, used the way a module outside this tree uses it.
   if cmake --install "$dir" >/dev/null && check_consumer linux "$run_tmp/prefix-linux"; then
@@ -101,7 +112,7 @@ lane_asan() {
   local dir="$build/asan"
   cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUILTOOL_SANITIZE=ON >/dev/null ||
     { fail_lane asan "configure failed"; return; }
-  ninja -C "$dir" -j "$jobs" || { fail_lane asan "build failed"; return; }
+  build_quietly "$dir" asan || { fail_lane asan "build failed"; return; }
   ASAN_OPTIONS=detect_leaks=1:halt_on_error=1:abort_on_error=1 \
   UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
     run_ctest "$dir" asan
@@ -113,7 +124,7 @@ lane_windows() {
   cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" -DQUILTOOL_WIN_DEPS="$deps" \
     -DCMAKE_INSTALL_PREFIX="$run_tmp/prefix-windows" >/dev/null || { fail_lane windows "configure failed"; return; }
-  ninja -C "$dir" -j "$jobs" || { fail_lane windows "build failed"; return; }
+  build_quietly "$dir" windows || { fail_lane windows "build failed"; return; }
 
   export WINEPREFIX="$run_tmp/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   export WINEARCH=win64

@@ -1,0 +1,18 @@
+# Every public header must compile on its own, as strict C++17 without
+# compiler extensions, as a module of the suite includes it.
+function(qt_add_header_check)
+  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/include/*.h)
+  set(sources)
+  foreach(header IN LISTS headers)
+    get_filename_component(name ${header} NAME_WE)
+    set(src ${CMAKE_BINARY_DIR}/header_check/${name}.cpp)
+    file(CONFIGURE OUTPUT ${src} CONTENT "#include \"${name}.h\"\n#include \"${name}.h\"\nint qt_header_check_${name}();\n")
+    list(APPEND sources ${src})
+  endforeach()
+  add_library(quiltool_header_check OBJECT EXCLUDE_FROM_ALL ${sources})
+  target_include_directories(quiltool_header_check PRIVATE ${CMAKE_SOURCE_DIR}/include)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    target_compile_options(quiltool_header_check PRIVATE -pedantic-errors -Wall -Wextra -Werror)
+  endif()
+endfunction()
+qt_add_header_check()
