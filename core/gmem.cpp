@@ -7,10 +7,9 @@
 
 namespace {
 
-QtGmemCalls& Calls() {
-  static QtGmemCalls calls = *qt_gmem_default_calls();
-  return calls;
-}
+QtGmemCalls g_calls = *qt_gmem_default_calls();
+
+QtGmemCalls& Calls() { return g_calls; }
 
 void* ReportOutOfMemory(const char* format, int tag) {
   char message[64];
@@ -43,6 +42,8 @@ void* gwGmalloc(unsigned long size, int tag) {
 void* gwGrealloc(void* block, unsigned long size, int tag) {
   if (!block) return gwGmalloc(size, tag);
   QtGmemCalls& c = Calls();
+  // Arrays grow one record at a time: most steps fit the block's room.
+  if (c.resizeInPlace && c.resizeInPlace(block, size)) return block;
   void* handle = c.handle(block);
   if (!handle) return nullptr;
   c.unlock(handle);

@@ -29,6 +29,10 @@ struct QtGmemCalls {
   void (*free)(void* handle);
   // GlobalSize.
   size_t (*size)(void* handle);
+  // Optional shortcut: resizes the block of a locked pointer where it lies
+  // when it has room, and says whether it did. Null where the platform has
+  // none; a test that makes realloc fail nulls it too.
+  bool (*resizeInPlace)(void* pointer, size_t size);
 };
 
 // The table in use; tests replace entries and restore them afterwards.

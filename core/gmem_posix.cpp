@@ -47,7 +47,9 @@ struct CachedLookup {
   const Block* block = nullptr;
   uint64_t generation = 0;
 };
-thread_local CachedLookup t_lookup;
+// initial-exec: the library is loaded with its host, and the general TLS
+// model would cost a __tls_get_addr call on every lookup.
+__attribute__((tls_model("initial-exec"))) thread_local CachedLookup t_lookup;
 
 void Register(Block* b) {
   std::lock_guard<std::mutex> lock(Blocks().mutex);
@@ -79,11 +81,8 @@ void* Lock(void* handle) {
   return DataOf(b);
 }
 
-void* Handle(const void* pointer) {
-  if (!pointer) return nullptr;
-  const Block* candidate = reinterpret_cast<const Block*>(static_cast<const char*>(pointer) - sizeof(Block));
-  const uint64_t generation = g_generation.load(std::memory_order_acquire);
-  if (t_lookup.block == candidate && t_lookup.generation == generation) return const_cast<Block*>(candidate);
+// Kept out of line so that the cached case stays a leaf without a frame.
+__attribute__((noinline)) void* LookUp(const Block* candidate, uint64_t generation) {
   {
     std::lock_guard<std::mutex> lock(Blocks().mutex);
     if (!Blocks().live.count(candidate)) return nullptr;
@@ -91,6 +90,14 @@ void* Handle(const void* pointer) {
   t_lookup.block = candidate;
   t_lookup.generation = generation;
   return const_cast<Block*>(candidate);
+}
+
+inline void* Handle(const void* pointer) {
+  if (!pointer) return nullptr;
+  const Block* candidate = reinterpret_cast<const Block*>(static_cast<const char*>(pointer) - sizeof(Block));
+  const uint64_t generation = g_generation.load(std::memory_order_acquire);
+  if (t_lookup.block == candidate && t_lookup.generation == generation) return const_cast<Block*>(candidate);
+  return LookUp(candidate, generation);
 }
 
 void Unlock(void* handle) {
@@ -106,24 +113,32 @@ void* Realloc(void* handle, size_t size) {
     HideSpare(b);
     return b;
   }
-  // Grow by half again at least, so that n one-record steps cost O(n).
-  size_t capacity = b->capacity + b->capacity / 2;
+  // Doubling keeps n one-record steps at O(n) copying; realloc lets large
+  // blocks move by remapping pages instead of copying them.
+  size_t capacity = b->capacity * 2;
   if (capacity < size) capacity = size;
-  Block* grown = static_cast<Block*>(std::malloc(sizeof(Block) + capacity));
+  QT_UNPOISON(DataOf(b), b->capacity);
+  // The block leaves the registry before it may move, so no lookup can meet
+  // it half-moved; on failure it comes back unchanged.
+  const uintptr_t old = reinterpret_cast<uintptr_t>(b);
+  Unregister(b);
+  void* grown = std::realloc(b, sizeof(Block) + capacity);
   if (!grown && capacity > size) {
     capacity = size;
-    grown = static_cast<Block*>(std::malloc(sizeof(Block) + capacity));
+    grown = std::realloc(reinterpret_cast<void*>(old), sizeof(Block) + capacity);
   }
-  if (!grown) return nullptr;  // the old block stays as it was
-  QT_UNPOISON(DataOf(b), b->capacity);
-  std::memcpy(grown, b, sizeof(Block) + b->size);
-  Unregister(b);
-  std::free(b);
-  Register(grown);
-  grown->size = size;
-  grown->capacity = capacity;
-  HideSpare(grown);
-  return grown;
+  if (!grown) {
+    Block* same = reinterpret_cast<Block*>(old);
+    Register(same);
+    HideSpare(same);
+    return nullptr;
+  }
+  Block* moved = static_cast<Block*>(grown);
+  Register(moved);
+  moved->size = size;
+  moved->capacity = capacity;
+  HideSpare(moved);
+  return moved;
 }
 
 void Free(void* handle) {
@@ -135,7 +150,16 @@ void Free(void* handle) {
 
 size_t Size(void* handle) { return static_cast<Block*>(handle)->size; }
 
-const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size};
+bool ResizeInPlace(void* pointer, size_t size) {
+  Block* b = static_cast<Block*>(Handle(pointer));
+  if (!b || size > b->capacity) return false;
+  QT_UNPOISON(DataOf(b), b->capacity);
+  b->size = size;
+  HideSpare(b);
+  return true;
+}
+
+const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size, ResizeInPlace};
 
 }  // namespace
 

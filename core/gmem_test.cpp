@@ -92,6 +92,7 @@ TEST_F(GmemFailure, FailedResizeKeepsTheOldBlock) {
   ASSERT_NE(nullptr, p);
   std::memcpy(p, "0123456789abcdef", 16);
   qt_gmem_calls()->realloc = FailRealloc;
+  qt_gmem_calls()->resizeInPlace = nullptr;
   EXPECT_EQ(nullptr, gwGrealloc(p, 1 << 20, 3));
   ASSERT_EQ(1u, g_reports.size());
   EXPECT_EQ("-2 gwGrealloc() out of memory (3)", g_reports[0]);

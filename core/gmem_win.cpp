@@ -12,7 +12,7 @@ void* Realloc(void* handle, size_t size) { return GlobalReAlloc(handle, size, GM
 void Free(void* handle) { GlobalFree(handle); }
 size_t Size(void* handle) { return GlobalSize(handle); }
 
-const QtGmemCalls kWindowsCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size};
+const QtGmemCalls kWindowsCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size, nullptr};
 
 }  // namespace
 
