@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "core/gmem.h"
+#include "core/gwarray_test_support.h"
+#include "gwarray.h"
+
+using gwarray_test::ErrorCapture;
+using gwarray_test::FailingMemory;
+using gwarray_test::Ints;
+
+namespace {
+
+struct Rec {
+  int a, b, c, d;
+};
+
+Rec R(int v) { return Rec{v, v + 1, v + 2, v + 3}; }
+
+gwarraytype IntArray(std::initializer_list<int> values) {
+  gwarraytype a;
+  gwarray_init(&a, sizeof(int));
+  for (int v : values) gwarray_append(&a, &v);
+  return a;
+}
+
+}  // namespace
+
+TEST(GwarrayGrowth, BlockAlwaysHoldsExactlyTheRecordsAdded) {
+  gwarraytype a, more;
+  ASSERT_EQ(0, gwarray_init(&a, sizeof(Rec)));
+  EXPECT_TRUE(a.data == nullptr && a.count == 0 && a.recordSize == 16);
+  gwarray_init(&more, sizeof(Rec));
+  Rec r[5] = {R(10), R(20), R(30), R(40), R(50)};
+  for (const Rec& x : r) gwarray_append(&more, &x);
+
+  ASSERT_EQ(0, gwarray_append(&a, &r[0]));
+  EXPECT_EQ(16u, qt_gmem_size(a.data));
+  gwarray_append(&a, &r[1]);
+  gwarray_append(&a, &r[2]);
+  EXPECT_EQ(48u, qt_gmem_size(a.data));
+  ASSERT_EQ(0, gwarray_delete(&a, 0));
+  EXPECT_EQ(2, a.count);
+  EXPECT_EQ(48u, qt_gmem_size(a.data)) << "a delete does not shrink the block";
+  EXPECT_EQ(30, static_cast<Rec*>(gwarray_at(&a, 1))->a);
+  ASSERT_EQ(0, gwarray_insert(&a, 1, &r[3]));
+  EXPECT_EQ(48u, qt_gmem_size(a.data));
+  ASSERT_EQ(0, gwarray_append_array(&a, &more));
+  EXPECT_EQ(8u * 16u, qt_gmem_size(a.data));
+  EXPECT_EQ(53, static_cast<Rec*>(gwarray_at(&a, 7))->d);
+
+  // A reset keeps the record size, so the array is usable again at once.
+  ASSERT_EQ(0, gwarray_reset(&a));
+  EXPECT_TRUE(a.data == nullptr && a.count == 0 && a.recordSize == 16);
+  ASSERT_EQ(0, gwarray_append(&a, &r[0]));
+  EXPECT_EQ(16u, qt_gmem_size(a.data));
+  ASSERT_EQ(0, gwarray_release(&a));
+  EXPECT_TRUE(a.data == nullptr && a.count == 0 && a.recordSize == 0);
+  gwarray_release(&more);
+
+  EXPECT_EQ(-1, gwarray_init(&a, 0));
+  EXPECT_EQ(-1, gwarray_append(&a, &r[0])) << "an array without a record size takes no records";
+}
+
+TEST(GwarrayRecords, InsertGetUpdateAndOutOfRangeIndexes) {
+  gwarraytype a = IntArray({1, 2, 3});
+  const int seven = 7, eight = 8, nine = 9;
+  EXPECT_EQ(0, gwarray_insert(&a, 3, &seven));
+  EXPECT_EQ(0, gwarray_insert(&a, 99, &eight));
+  EXPECT_EQ(0, gwarray_insert(&a, 0, &nine));
+  EXPECT_EQ((std::vector<int>{9, 1, 2, 3, 7, 8}), Ints(a));
+  EXPECT_EQ(-1, gwarray_insert(&a, -1, &nine));
+  EXPECT_EQ(6, a.count);
+
+  int out = 55;
+  EXPECT_EQ(-1, gwarray_get(&a, -1, &out));
+  EXPECT_EQ(0, out) << "an out-of-range get zero-fills the record";
+  EXPECT_EQ(0, gwarray_get(&a, 5, &out));
+  EXPECT_EQ(8, out);
+  EXPECT_EQ(nullptr, gwarray_at(&a, 6));
+  EXPECT_EQ(nullptr, gwarray_at(&a, -1));
+
+  EXPECT_EQ(0, gwarray_update(&a, 1, &seven));
+  EXPECT_EQ(-1, gwarray_update(&a, 6, &seven));
+  EXPECT_EQ(-1, gwarray_delete(&a, 6));
+  EXPECT_EQ((std::vector<int>{9, 7, 2, 3, 7, 8}), Ints(a));
+
+  // Records taken from the array itself survive the block moving or the
+  // records shifting under them.
+  for (int i = 0; i < 40; ++i) ASSERT_EQ(0, gwarray_append(&a, gwarray_at(&a, 0)));
+  EXPECT_EQ(46, a.count);
+  EXPECT_EQ(9, *static_cast<int*>(gwarray_at(&a, 45)));
+  ASSERT_EQ(0, gwarray_insert(&a, 0, gwarray_at(&a, 2)));
+  ASSERT_EQ(0, gwarray_insert(&a, 1, gwarray_at(&a, 0)));
+  const std::vector<int> front = Ints(a);
+  EXPECT_EQ((std::vector<int>{2, 2, 9, 7, 2}), std::vector<int>(front.begin(), front.begin() + 5));
+  gwarray_release(&a);
+}
+
+TEST(GwarrayRecords, AppendArrayChecksSizesAndAcceptsItself) {
+  gwarraytype ints = IntArray({1, 2});
+  gwarraytype wide;
+  gwarray_init(&wide, 8);
+  const long long big = 5;
+  gwarray_append(&wide, &big);
+
+  EXPECT_EQ(-3, gwarray_append_array(&ints, &wide));
+  EXPECT_EQ((std::vector<int>{1, 2}), Ints(ints));
+  gwarraytype empty;
+  gwarray_init(&empty, 8);
+  EXPECT_EQ(0, gwarray_append_array(&ints, &empty)) << "an empty source of another size is still nothing to do";
+  EXPECT_EQ(0, gwarray_append_array(&ints, &ints));
+  EXPECT_EQ((std::vector<int>{1, 2, 1, 2}), Ints(ints));
+  EXPECT_EQ(16u, qt_gmem_size(ints.data));
+
+  gwarray_release(&ints);
+  gwarray_release(&wide);
+  gwarray_release(&empty);
+}
+
+TEST(GwarrayOutOfMemory, GrowthFailureEmptiesTheArrayAndReportsWhichCall) {
+  ErrorCapture errors;
+  struct Case {
+    const char* text;
+    int (*grow)(gwarraytype*);
+  } cases[] = {
+      {"gwarray_append() out of memory", [](gwarraytype* a) { const int v = 4; return gwarray_append(a, &v); }},
+      {"gwarray_insert() out of memory", [](gwarraytype* a) { const int v = 4; return gwarray_insert(a, 0, &v); }},
+      {"gwarray_append_array() out of memory", [](gwarraytype* a) { return gwarray_append_array(a, a); }},
+  };
+  for (const Case& c : cases) {
+    gwarraytype a = IntArray({1, 2, 3});
+    void* old = a.data;
+    {
+      FailingMemory fail(FailingMemory::kRealloc);
+      EXPECT_EQ(-2, c.grow(&a)) << c.text;
+    }
+    EXPECT_EQ(nullptr, a.data) << c.text;
+    EXPECT_EQ(0, a.count) << c.text;
+    EXPECT_EQ(4, a.recordSize) << c.text;
+    EXPECT_TRUE(ErrorCapture::Saw(c.text)) << c.text;
+    gwGfree(old);  // the array dropped it; the test still knows it
+    gwarray_release(&a);
+  }
+
+  // The first record of a fresh array is an allocation, not a resize.
+  gwarraytype fresh = IntArray({});
+  {
+    FailingMemory fail(FailingMemory::kAlloc);
+    const int v = 1;
+    EXPECT_EQ(-2, gwarray_append(&fresh, &v));
+  }
+  EXPECT_EQ(0, fresh.count);
+  gwarray_release(&fresh);
+}
