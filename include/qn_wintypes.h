@@ -49,6 +49,7 @@ typedef HINSTANCE HMODULE;
 typedef void* HANDLE;
 typedef HANDLE HGLOBAL;
 typedef void* HGDIOBJ;
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
 
 typedef struct tagRECT { LONG left; LONG top; LONG right; LONG bottom; } RECT;
 typedef struct tagPOINT { LONG x; LONG y; } POINT;

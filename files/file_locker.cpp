@@ -1,0 +1,110 @@
+#include "FileLocker.h"
+
+#include <new>
+
+#include "Lng.h"
+#include "files/file_sharing_platform.h"
+#include "gwframe.h"
+
+namespace {
+
+const size_t kLockedMessageSize = 256;
+
+ustr Limited(const ustr& message) { return message.left(kLockedMessageSize); }
+
+}  // namespace
+
+FileLocker::FileLocker() : m_locked(false), m_alreadyOwned(false) {}
+
+FileLocker::FileLocker(ustr lockedMessage)
+    : m_locked(false), m_alreadyOwned(false), m_lockedMessage(Limited(lockedMessage)) {}
+
+FileLocker::FileLocker(ustr lockedMessage, ustr file)
+    : m_locked(false), m_alreadyOwned(false), m_lockedMessage(Limited(lockedMessage)) {
+  if (!file.empty()) Lock(file);
+}
+
+FileLocker::FileLocker(FileLocker&& other) noexcept
+    : FileSharingServiceManager(std::move(other)),
+      m_locked(other.m_locked),
+      m_alreadyOwned(other.m_alreadyOwned),
+      m_lockedMessage(std::move(other.m_lockedMessage)),
+      m_lockedFile(std::move(other.m_lockedFile)) {
+  other.m_locked = false;
+  other.m_alreadyOwned = false;
+  other.m_lockedFile.clear();
+}
+
+FileLocker& FileLocker::operator=(FileLocker&& other) noexcept {
+  if (this == &other) return *this;
+  Unlock();
+  FileSharingServiceManager::operator=(std::move(other));
+  m_locked = other.m_locked;
+  m_alreadyOwned = other.m_alreadyOwned;
+  m_lockedMessage = std::move(other.m_lockedMessage);
+  m_lockedFile = std::move(other.m_lockedFile);
+  other.m_locked = false;
+  other.m_alreadyOwned = false;
+  other.m_lockedFile.clear();
+  return *this;
+}
+
+FileLocker::~FileLocker() { Unlock(); }
+
+void FileLocker::ShowFailure(const ustr& text, const ustr& file, const ustr& detail) const {
+  if (m_lockedMessage.empty()) return;
+  ustr message = text + L"\r\n\r\n" + file;
+  if (!detail.empty()) message += L"\r\n\r\n" + detail;
+  gwmsg(qt::sharing::ForegroundWindow(), message.c_str());
+}
+
+bool FileLocker::Lock(ustr file) {
+  try {
+    Unlock();
+    m_alreadyOwned = false;
+    if (!IsInitialized() && !Init(file.c_str())) {
+      ShowFailure(Lng::text(Lng::APP_QNC, 607, L"File not found"), file, ustr());
+      return false;
+    }
+    ustr owner;
+    switch (GetFileLockState(file.c_str(), &owner)) {
+      case LockStateUnknown:
+        return false;
+      case LockStateLockedByMe:
+        m_alreadyOwned = true;
+        return true;
+      case LockStateLockedByOther:
+        ShowFailure(m_lockedMessage, file,
+                    owner.empty() ? ustr() : Lng::text(Lng::APP_QNC, 60296, L"Locked") + L": " + owner);
+        return false;
+      default:
+        break;
+    }
+    qt::sharing::WaitCursor wait;
+    if (!SyncFile(file.c_str(), false)) {
+      ShowFailure(Lng::text(Lng::APP_QNC, 60336, L"Quillon cannot synchronize the file. Try to do it manually."), file,
+                  ustr());
+      return false;
+    }
+    if (!LockFile(file.c_str())) return false;
+    m_lockedFile = GetFullFilePathName(file.c_str());
+    m_locked = true;
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+bool FileLocker::Unlock() {
+  if (!m_locked) return true;
+  try {
+    qt::sharing::WaitCursor wait;
+    if (!UnlockFile(m_lockedFile.c_str())) return false;
+    SyncFile(m_lockedFile.c_str(), false);
+    m_locked = false;
+    m_lockedFile.clear();
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}

@@ -1,0 +1,37 @@
+// Internals of the log shared by its source files, and the clock seam that
+// lets tests drive the stopwatch through both of its paths.
+#ifndef QUILTOOL_SETTINGS_LOGGING_INTERNAL_H
+#define QUILTOOL_SETTINGS_LOGGING_INTERNAL_H
+
+#include <string>
+
+#include "qn_wintypes.h"
+#include "quiltool_export.h"
+
+namespace qt {
+namespace logging {
+
+// The switch tested before every output; on from the start and never turned
+// off by the library itself.
+bool& GlobalSwitch();
+// Set by the first output of any Logging object.
+bool& AnyOutputSeen();
+
+// Appends text as UTF-16LE bytes; on Linux code points beyond the BMP become
+// surrogate pairs, so the file is the same on both targets.
+void AppendUtf16le(std::string& out, const wchar_t* text);
+
+}  // namespace logging
+}  // namespace qt
+
+// The clock behind the stopwatch. Tests install one to make the counter,
+// its frequency and the tick count what they need; null restores the
+// system's clock. Installing reads the frequency again, as a load does.
+struct QtLogClock {
+  bool (*frequency)(__int64* frequency);
+  __int64 (*counter)();
+  __int64 (*ticks)();
+};
+QT_API void qt_logging_use_clock(const QtLogClock* clock);
+
+#endif

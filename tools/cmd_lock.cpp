@@ -1,0 +1,174 @@
+// quiltool lock: who holds a shared project file, holding it by hand, and
+// clearing a lock file that a crashed program left behind. The exit codes
+// are listed in docs/locking.md.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "FileSharingServiceManager.h"
+#include "cmd_lock_platform.h"
+#include "command.h"
+#include "files/lock_inspect.h"
+#include "gwflock.h"
+#include "ustr.h"
+
+namespace {
+
+enum ExitCode {
+  kOk = 0,
+  kFailed = 1,
+  kUsage = 2,
+  kHeld = 3,
+  kNotFound = 4,
+};
+
+const char kUsageText[] =
+    "usage: quiltool lock status FILE\n"
+    "       quiltool lock take FILE [--user NAME]\n"
+    "       quiltool lock release-stale FILE\n";
+
+std::wstring Wide(const std::string& s) { return qn_ansi_to_wide(s.c_str(), s.size()); }
+std::string Narrow(const std::wstring& s) { return qn_wide_to_ansi(s.c_str(), s.size()); }
+std::string Narrow(const ustr& s) { return Narrow(s.str()); }
+
+int Usage(FILE* err, const char* problem) {
+  std::fprintf(err, "quiltool lock: %s\n%s", problem, kUsageText);
+  return kUsage;
+}
+
+std::string HolderText(const ustr& holder) { return holder.empty() ? "a user who left no name" : Narrow(holder); }
+
+int Status(const std::wstring& file, FILE* out, FILE* err) {
+  const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
+  ustr holder;
+  const QtLockFileState state = qt_inspect_lock_file(lockFile.c_str(), &holder);
+  const std::string name = Narrow(file), lock = Narrow(lockFile);
+  switch (state) {
+    case QT_LOCK_FILE_ABSENT:
+      std::fprintf(out, "%s: not locked\n", name.c_str());
+      return kOk;
+    case QT_LOCK_FILE_LEFT_BEHIND:
+      std::fprintf(out,
+                   "%s: not locked; the lock file %s was left behind by %s, whose program ended "
+                   "(quiltool lock release-stale removes it)\n",
+                   name.c_str(), lock.c_str(), HolderText(holder).c_str());
+      return kOk;
+    case QT_LOCK_FILE_HELD: {
+      const ustr owner = FileSharingServiceManager::GetFileOwner(lockFile.c_str());
+      std::fprintf(out, "%s: locked by %s (lock file %s", name.c_str(), HolderText(holder).c_str(), lock.c_str());
+      if (!owner.empty()) std::fprintf(out, ", owned by account %s", Narrow(owner).c_str());
+      std::fprintf(out, ")\n");
+      return kHeld;
+    }
+    case QT_LOCK_FILE_NO_LOCKING:
+      std::fprintf(err, "quiltool lock: the file system of %s cannot lock files\n", lock.c_str());
+      return kFailed;
+    default:
+      std::fprintf(err, "quiltool lock: cannot tell whether %s is locked: the lock file %s cannot be read\n",
+                   name.c_str(), lock.c_str());
+      return kFailed;
+  }
+}
+
+int ReportLockFailure(int result, const std::wstring& file, const ustr& lockFile, const wchar_t* holder, FILE* err) {
+  const std::string name = Narrow(file), lock = Narrow(lockFile);
+  if (result == -2) {
+    std::fprintf(err, "quiltool lock: %s is locked by %s\n", name.c_str(), HolderText(ustr(holder)).c_str());
+    return kHeld;
+  }
+  if (result == -3) {
+    std::fprintf(err, "quiltool lock: the lock file %s exists but cannot be read\n", lock.c_str());
+  } else {
+    std::fprintf(err, "quiltool lock: cannot create the lock file %s (no permission in that folder?)\n", lock.c_str());
+  }
+  return kFailed;
+}
+
+int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* err) {
+  FileSharingServiceManager manager;
+  if (!manager.FileExists(file.c_str())) {
+    std::fprintf(err, "quiltool lock: %s: file not found\n", Narrow(file).c_str());
+    return kNotFound;
+  }
+  const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
+  if (!qt_tool::lockwait::Arm()) {
+    std::fprintf(err, "quiltool lock: cannot wait for an interruption here\n");
+    return kFailed;
+  }
+  gwflocktype lock;
+  gwflock_init(&lock);
+  wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
+  const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), user.c_str(), holder, 0);
+  if (result != 0) {
+    qt_tool::lockwait::Disarm();
+    return ReportLockFailure(result, file, lockFile, holder, err);
+  }
+  std::fprintf(out, "holding %s as %s (lock file %s); interrupt to release\n", Narrow(file).c_str(),
+               Narrow(user).c_str(), Narrow(lockFile).c_str());
+  std::fflush(out);
+  qt_tool::lockwait::Wait();
+  gwflock_unlock(&lock);
+  qt_tool::lockwait::Disarm();
+  std::fprintf(out, "released %s\n", Narrow(file).c_str());
+  std::fflush(out);
+  return kOk;
+}
+
+int ReleaseStale(const std::wstring& file, FILE* out, FILE* err) {
+  const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
+  ustr previous;
+  const QtLockFileState state = qt_inspect_lock_file(lockFile.c_str(), &previous);
+  if (state == QT_LOCK_FILE_ABSENT) {
+    std::fprintf(out, "%s: no lock file to remove\n", Narrow(file).c_str());
+    return kOk;
+  }
+  // Taking the lock is the only safe test that nobody holds it; releasing
+  // it then removes the file.
+  gwflocktype lock;
+  gwflock_init(&lock);
+  wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
+  const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), L"", holder, 0);
+  if (result != 0) {
+    if (result == -2) {
+      std::fprintf(err, "quiltool lock: not removed: %s is held by %s, whose program is running\n",
+                   Narrow(lockFile).c_str(), HolderText(ustr(holder)).c_str());
+      return kHeld;
+    }
+    return ReportLockFailure(result, file, lockFile, holder, err);
+  }
+  gwflock_unlock(&lock);
+  std::fprintf(out, "removed the lock file %s left behind by %s\n", Narrow(lockFile).c_str(),
+               HolderText(previous).c_str());
+  return kOk;
+}
+
+int LockMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
+  if (args.empty()) return Usage(err, "which action?");
+  const std::string& action = args[0];
+  std::vector<std::string> rest(args.begin() + 1, args.end());
+  std::string user;
+  bool userGiven = false;
+  if (action == "take") {
+    for (size_t i = 0; i < rest.size(); ++i) {
+      if (rest[i] != "--user") continue;
+      if (i + 1 >= rest.size()) return Usage(err, "--user needs a name");
+      user = rest[i + 1];
+      userGiven = true;
+      rest.erase(rest.begin() + static_cast<long>(i), rest.begin() + static_cast<long>(i) + 2);
+      break;
+    }
+  }
+  if (rest.size() != 1 || rest[0].empty()) return Usage(err, "give exactly one FILE");
+  const std::wstring file = Wide(rest[0]);
+  if (action == "status") return Status(file, out, err);
+  if (action == "release-stale") return ReleaseStale(file, out, err);
+  if (action == "take") {
+    const std::wstring name = userGiven ? Wide(user) : qt_tool::lockwait::AccountName();
+    return Take(file, name, out, err);
+  }
+  return Usage(err, ("unknown action '" + action + "'").c_str());
+}
+
+const qt_tool::Registration kLock({"lock", "show, take or clear the lock of a shared project file", LockMain});
+
+}  // namespace

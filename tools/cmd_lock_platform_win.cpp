@@ -1,0 +1,54 @@
+#include <windows.h>
+
+#include "cmd_lock_platform.h"
+
+namespace qt_tool {
+namespace lockwait {
+
+namespace {
+
+HANDLE g_interrupted = nullptr;
+HANDLE g_released = nullptr;
+
+// Runs on a thread of its own. For a closing console the process ends when
+// the handler returns, so it waits for the lock to be given up first.
+BOOL WINAPI OnConsoleEvent(DWORD) {
+  SetEvent(g_interrupted);
+  WaitForSingleObject(g_released, 4000);
+  return TRUE;
+}
+
+DWORD WINAPI InterruptThread(LPVOID) {
+  OnConsoleEvent(CTRL_C_EVENT);
+  return 0;
+}
+
+}  // namespace
+
+bool Arm() {
+  g_interrupted = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  g_released = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  return g_interrupted && g_released && SetConsoleCtrlHandler(&OnConsoleEvent, TRUE);
+}
+
+void Wait() { WaitForSingleObject(g_interrupted, INFINITE); }
+
+void Disarm() {
+  SetConsoleCtrlHandler(&OnConsoleEvent, FALSE);
+  SetEvent(g_released);
+  // The events stay: a handler still running may look at them.
+}
+
+void InterruptSelf() {
+  HANDLE thread = CreateThread(nullptr, 0, &InterruptThread, nullptr, 0, nullptr);
+  if (thread) CloseHandle(thread);
+}
+
+std::wstring AccountName() {
+  wchar_t name[257];
+  DWORD size = 257;
+  return GetUserNameW(name, &size) ? std::wstring(name) : std::wstring();
+}
+
+}  // namespace lockwait
+}  // namespace qt_tool
