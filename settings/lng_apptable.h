@@ -1,9 +1,10 @@
 // The application table's constant columns; each row's language-file
-// reader lives beside it in the language subsystem.
+// reader lives in lng_text.cpp.
 #ifndef QUILTOOL_SETTINGS_LNG_APPTABLE_H
 #define QUILTOOL_SETTINGS_LNG_APPTABLE_H
 
 #include "Lng.h"
+#include "quiltool_export.h"
 
 namespace qt {
 
@@ -16,10 +17,11 @@ struct AppRow {
 };
 
 const int kAppRows = 14;
-extern const AppRow kAppTable[kAppRows];
+// Exported for the quiltool command, which finds language files by module.
+QT_API extern const AppRow kAppTable[kAppRows];
 
 // Index of the first row with this id, or -1.
-int AppRowIndex(Lng::AppID id);
+QT_API int AppRowIndex(Lng::AppID id);
 
 }  // namespace qt
 

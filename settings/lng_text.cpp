@@ -1,0 +1,119 @@
+// Loading the language files and fetching texts by (module, number).
+#include <cwchar>
+#include <new>
+
+#include "Lng.h"
+#include "Registry.h"
+#include "core/platform.h"
+#include "settings/lng_apptable.h"
+#include "settings/lng_internal.h"
+#include "settings/qlg_reader.h"
+
+namespace {
+
+struct LanguageState {
+  bool initDone = false;
+  ustr folderOverride;
+  CQlg readers[qt::kAppRows];
+  QtLngUserVariableResolver userVariables = nullptr;
+};
+
+LanguageState& State() {
+  static LanguageState state;
+  return state;
+}
+
+ustr LanguageFolder() {
+  if (!State().folderOverride.empty()) return State().folderOverride;
+  ustr folder;
+  GetModuleDirectory(static_cast<HMODULE>(nullptr), folder);
+  return folder;
+}
+
+bool ShowStringIds() {
+  // Read on every call: translators flip the switch while the host runs.
+  // The ring form spares an allocation per text.
+  wchar_t no[] = L"no";
+  return std::wcscmp(Registry::GetStringAtt(nullptr, L"Developer/ShowStringIDs", no), L"yesplease") == 0;
+}
+
+ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
+  int row = qt::AppRowIndex(id);
+  if (row < 0) row = qt::AppRowIndex(Lng::APP_HPV);
+  if (row < 0) return ustr();
+
+  ustr result;
+  size_t length = 0;
+  const wchar_t* found = State().readers[row].find(textId, &length);
+  if (found) {
+    result = ustr(found, length);
+  } else {
+    result = defaultText;
+  }
+
+  if (textId < 0 && id == Lng::APP_HPV && State().userVariables) {
+    ustr replacement;
+    if (State().userVariables(textId, result.c_str(), &replacement)) result = replacement;
+  }
+
+  if (ShowStringIds()) {
+    ustr decorated;
+    decorated.format(L"%d>", textId);
+    decorated += result;
+    return decorated;
+  }
+  return result;
+}
+
+}  // namespace
+
+void Lng::init(short languageId) {
+  try {
+    LanguageState& state = State();
+    if (state.initDone) {
+      const int mainRow = qt::AppRowIndex(Lng::APP_HPV);
+      if (state.readers[mainRow].activeLanguageId() == languageId) return;
+    } else {
+      state.initDone = true;
+    }
+    const ustr folder = LanguageFolder();
+    const wchar_t separator[2] = {qt::platform::PathSeparator(), 0};
+    const ustr definition = folder + separator + L"QuilQlg.ddq";
+    for (int i = 0; i < qt::kAppRows; ++i) {
+      const wchar_t* file = qt::kAppTable[i].languageFile;
+      if (!file || !*file) continue;
+      const ustr path = folder + separator + file;
+      state.readers[i].init(definition.c_str(), path.c_str());
+      state.readers[i].setActiveLanguage(languageId);
+    }
+  } catch (const std::bad_alloc&) {
+    // Readers that could not be filled answer with the defaults.
+  }
+}
+
+ustr Lng::text(AppID id, int textId, const wchar_t* defaultText) {
+  try {
+    return Lookup(id, textId, defaultText);
+  } catch (const std::bad_alloc&) {
+    return ustr();
+  }
+}
+
+void qt_lng_set_folder(const wchar_t* folder) { State().folderOverride = folder; }
+
+void qt_lng_reset() {
+  LanguageState& state = State();
+  state.initDone = false;
+  for (CQlg& reader : state.readers) {
+    reader.clear();
+    reader.setActiveLanguage(0);
+  }
+}
+
+const CQlg* qt_lng_reader(int row) { return row >= 0 && row < qt::kAppRows ? &State().readers[row] : nullptr; }
+
+QtLngUserVariableResolver qt_lng_set_user_variable_resolver(QtLngUserVariableResolver resolver) {
+  QtLngUserVariableResolver previous = State().userVariables;
+  State().userVariables = resolver;
+  return previous;
+}
