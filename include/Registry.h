@@ -31,7 +31,12 @@ QT_API bool SetIntAtt(HKEY root, const wchar_t* path, int value);
 QT_API bool SetFloatAtt(HKEY root, const wchar_t* path, float value);
 QT_API bool SetStringAtt(HKEY root, const wchar_t* path, const wchar_t* value);
 QT_API bool DeleteAtt(HKEY root, const wchar_t* path);
+// Deletes the key named by the path without its last part ("A/B" deletes
+// "A", "A/B/" deletes "A\B"); the key must have no subkeys.
 QT_API bool DeleteKey(HKEY root, const wchar_t* path);
+// The subkeys (each with the length of its name) or the values (each with
+// its registry type) of the key a path names. As with DeleteKey, the last
+// part of the path is dropped: "Grid/" lists "Grid", "Grid/x" lists "Grid".
 QT_API std::vector<std::pair<ustr_pre<32>, unsigned long>> EnumerateSubKeys(HKEY root, const wchar_t* path);
 QT_API std::vector<std::pair<ustr_pre<32>, unsigned long>> EnumerateValues(HKEY root, const wchar_t* path);
 }  // namespace Registry
@@ -44,7 +49,10 @@ QT_API const wchar_t* GetFixedFontName();
 QT_API const wchar_t* GetVariableFontName();
 }  // namespace QnRegistry
 
-// Window positions kept under "<name>\Position", "<name>\Show", "<name>\MinMax".
+// Window positions kept as text under "<name>\Position", "<name>\Show",
+// "<name>\MinMax". The readers check that the window would land on a
+// connected monitor. Linux has no windows: the readers only read and check
+// (and fail when given a window), the writers have nothing to save.
 QT_API bool Reg_GetWindowPos(HKEY root, const wchar_t* name, HWND window, RECT* rect, int* showCommand, bool checkMonitor);
 QT_API bool Reg_SetWindowPos(HKEY root, const wchar_t* name, HWND window);
 QT_API bool Reg_GetWindowPosOnly(HKEY root, const wchar_t* name, HWND window, bool* minMax);

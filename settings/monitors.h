@@ -1,0 +1,83 @@
+// The monitor functions the window positions rely on. Windows resolves
+// them by name in "USER32" once; when any is missing (and always on Linux,
+// which has no windows) single-screen substitutes answer instead.
+#ifndef QUILTOOL_SETTINGS_MONITORS_H
+#define QUILTOOL_SETTINGS_MONITORS_H
+
+#include <string>
+
+#include "qn_wintypes.h"
+#include "quiltool_export.h"
+
+namespace qt_monitors {
+
+// The handle the substitutes give the one screen.
+inline HMONITOR PrimaryMonitor() { return reinterpret_cast<HMONITOR>(static_cast<ULONG_PTR>(0x12340042)); }
+
+// MONITOR_DEFAULTTO* flags.
+const DWORD kDefaultToNull = 0;
+const DWORD kDefaultToPrimary = 1;
+const DWORD kDefaultToNearest = 2;
+
+// GetSystemMetrics indexes.
+enum {
+  kCxScreen = 0,
+  kCyScreen = 1,
+  kCxDlgFrame = 7,
+  kCyDlgFrame = 8,
+  kXVirtualScreen = 76,
+  kYVirtualScreen = 77,
+  kCxVirtualScreen = 78,
+  kCyVirtualScreen = 79,
+  kMonitorCount = 80,
+  kSameDisplayFormat = 81,
+};
+
+const DWORD kPrimaryFlag = 1;  // MONITORINFOF_PRIMARY
+
+struct MonitorInfo {
+  RECT monitor;
+  RECT work;
+  DWORD flags;
+  std::wstring device;
+};
+
+QT_API int SystemMetrics(int index);
+QT_API HMONITOR RectMonitor(const RECT* rect, DWORD flags);
+QT_API HMONITOR PointMonitor(POINT point, DWORD flags);
+QT_API HMONITOR WindowMonitor(HWND window, DWORD flags);
+QT_API bool MonitorInfoOf(HMONITOR monitor, MonitorInfo* info);
+// Calls back once per monitor with its rectangle; false from the callback
+// stops the walk.
+typedef bool (*MonitorCallback)(HMONITOR monitor, const RECT& rect, void* context);
+QT_API bool EnumMonitors(MonitorCallback callback, void* context);
+// The name of display device index, false past the last.
+QT_API bool DisplayDevice(DWORD index, std::wstring* name);
+
+// Makes the substitutes answer even where the real functions exist, so
+// that their rules can be checked on Windows too; returns the old setting.
+QT_API bool ForceSubstitutes(bool force);
+QT_API bool UsingSubstitutes();
+
+namespace platform {
+// Looks up the real functions by name; false (and nothing kept) when any
+// is missing.
+bool ResolveRealFunctions();
+int RealSystemMetrics(int index);
+HMONITOR RealMonitorFromRect(const RECT* rect, DWORD flags);
+HMONITOR RealMonitorFromPoint(POINT point, DWORD flags);
+HMONITOR RealMonitorFromWindow(HWND window, DWORD flags);
+bool RealMonitorInfo(HMONITOR monitor, MonitorInfo* info);
+bool RealEnumDisplayMonitors(MonitorCallback callback, void* context);
+bool RealEnumDisplayDevice(DWORD index, std::wstring* name);
+
+// What the substitutes build on: the system's own metrics, the work area
+// (SystemParametersInfoA(SPI_GETWORKAREA)) and a window's rectangle.
+int BaseSystemMetrics(int index);
+bool WorkArea(RECT* area);
+bool WindowRect(HWND window, RECT* rect);
+}  // namespace platform
+
+}  // namespace qt_monitors
+
+#endif
