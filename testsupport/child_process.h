@@ -10,6 +10,8 @@ namespace qt_test {
 // Appends what the child wrote within timeoutMs; returns the byte count
 // (0 on timeout) or -1 at the end of its output.
 int ReadSome(ChildProcess::Impl* impl, std::string* out, int timeoutMs);
+// This process's id, for unique names.
+unsigned long ProcessId();
 }  // namespace qt_test
 
 #endif

@@ -29,6 +29,10 @@ ChildProcess::~ChildProcess() {
   if (impl_->fromChild >= 0) close(impl_->fromChild);
 }
 
+unsigned long ProcessId() { return static_cast<unsigned long>(getpid()); }
+
+void SetEnv(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+
 std::string SelfPath() {
   char buf[PATH_MAX];
   const ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <cstdlib>
+
 #include <chrono>
 #include <thread>
 
@@ -21,6 +23,10 @@ ChildProcess::~ChildProcess() {
   if (impl_->fromChild) CloseHandle(impl_->fromChild);
   if (impl_->process) CloseHandle(impl_->process);
 }
+
+unsigned long ProcessId() { return GetCurrentProcessId(); }
+
+void SetEnv(const char* name, const std::string& value) { _putenv_s(name, value.c_str()); }
 
 std::string SelfPath() {
   wchar_t buf[MAX_PATH * 4];

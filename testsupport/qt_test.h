@@ -80,6 +80,9 @@ class TempDir {
 std::wstring Widen(const std::string& utf8);
 std::string Narrow(const std::wstring& wide);
 
+// Sets an environment variable of this process (children inherit it).
+void SetEnv(const char* name, const std::string& value);
+
 // Whole file contents as bytes ("" when it cannot be read).
 std::string ReadFileBytes(const std::string& path);
 

@@ -11,14 +11,6 @@
 #include "child_process.h"
 #include "qt_test.h"
 
-#if defined(_WIN32)
-#include <process.h>
-#define QT_GETPID _getpid
-#else
-#include <unistd.h>
-#define QT_GETPID getpid
-#endif
-
 namespace fs = std::filesystem;
 
 namespace qt_test {
@@ -89,7 +81,7 @@ TempDir::TempDir() {
   const fs::path base = fs::temp_directory_path();
   for (int attempt = 0; attempt < 100; ++attempt) {
     std::ostringstream name;
-    name << "quiltool-test-" << QT_GETPID() << "-" << counter++ << "-" << rd();
+    name << "quiltool-test-" << ProcessId() << "-" << counter++ << "-" << rd();
     const fs::path p = base / name.str();
     std::error_code ec;
     if (fs::create_directory(p, ec)) {
@@ -168,7 +160,7 @@ std::string UniqueName(const std::string& prefix) {
   static std::atomic<unsigned> counter{0};
   std::random_device rd;
   std::ostringstream name;
-  name << prefix << "-" << QT_GETPID() << "-" << counter++ << "-" << (rd() & 0xFFFFFF);
+  name << prefix << "-" << ProcessId() << "-" << counter++ << "-" << (rd() & 0xFFFFFF);
   return name.str();
 }
 
