@@ -116,7 +116,12 @@ void ChildProcess::kill() {
 
 bool ChildProcess::running() const {
   if (impl_->pid < 0 || impl_->reaped) return false;
-  return waitpid(impl_->pid, nullptr, WNOHANG) == 0;
+  int status = 0;
+  if (waitpid(impl_->pid, &status, WNOHANG) != impl_->pid) return true;
+  // Gone: keep its exit code for wait().
+  impl_->reaped = true;
+  impl_->exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return false;
 }
 
 }  // namespace qt_test
