@@ -5,5 +5,5 @@ set -uo pipefail
 dir=$1 jobs=$2 run_tmp=$3
 cd "$dir" && ctest --output-on-failure -j "$jobs" --timeout 600 > "$run_tmp/ctest-windows.log" 2>&1
 rc=$?
-grep -E 'tests passed|tests failed|Failed|\*\*\*' "$run_tmp/ctest-windows.log" || true
+grep -E '\*\*\*|tests passed|tests failed|^\s+[0-9]+ - ' "$run_tmp/ctest-windows.log" || true
 exit $rc

@@ -24,6 +24,9 @@ fi
 # Everything a run leaves lives here and goes with it: temporary files, the
 # Wine prefix, installed packages.
 run_tmp=$(mktemp -d /tmp/quiltool-run.XXXXXX)
+# Some lock tests act as a second, unprivileged account, which must reach
+# the test folders below this one.
+chmod 0755 "$run_tmp"
 cleanup() {
   if [ -n "${WINEPREFIX:-}" ] && command -v wineserver >/dev/null; then wineserver -k 2>/dev/null || true; fi
   rm -rf "$run_tmp"
@@ -52,7 +55,7 @@ run_ctest() {
   local dir=$1 lane=$2
   shift 2
   local log="$run_tmp/ctest-$lane.log"
-  (cd "$dir" && "$@" ctest --output-on-failure -j "$jobs" --timeout 600) 2>&1 | tee "$log" | grep -E '^\s*[0-9]+/[0-9]+ Test|tests passed|tests failed|Failed|\*\*\*' || true
+  (cd "$dir" && "$@" ctest --output-on-failure -j "$jobs" --timeout 600) 2>&1 | tee "$log" | grep -E '\*\*\*|tests passed|tests failed|^\s+[0-9]+ - ' || true
   local total fails
   total=$(grep -oE 'out of [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+' || echo 0)
   fails=$(grep -oE '[0-9]+ tests failed' "$log" | tail -1 | grep -oE '^[0-9]+' || echo 0)
@@ -60,6 +63,8 @@ run_ctest() {
     echo "$lane: no tests ran" >&2
     fails=1
   fi
+  # What the failing tests printed.
+  [ "$fails" = 0 ] || grep -v -E 'Passed +[0-9.]+ sec|^ +Start ' "$log" | tail -400 >&2
   passed[$lane]=$(( total - fails ))
   failed[$lane]=$fails
 }
@@ -139,6 +144,7 @@ lane_windows() {
   local log="$run_tmp/ctest-windows.log"
   if [ -f "$log" ]; then
     local total fails
+    grep -q '\*\*\*' "$log" && grep -v -E 'Passed +[0-9.]+ sec|^ +Start ' "$log" | tail -400 >&2
     total=$(grep -oE 'out of [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+' || echo 0)
     fails=$(grep -oE '[0-9]+ tests failed' "$log" | tail -1 | grep -oE '^[0-9]+' || echo 0)
     [ "${total:-0}" = 0 ] && fails=1
