@@ -52,24 +52,33 @@ int QN_wcscat_s(wchar_t* dst, size_t size, const wchar_t* src, bool) { return Ap
 char* gwmakesz(char* dst, const char* src, int size) { return MakeSz(dst, src, size); }
 wchar_t* gwmakeszw(wchar_t* dst, const wchar_t* src, int size) { return MakeSz(dst, src, size); }
 
-int QN_sprintf_s(char* dst, size_t size, const char* format, ...) {
-  astr text;
+namespace {
+
+// Formats into a growable owned string, then copies what fits; the result is
+// the whole formatted length.
+template <class Owned, class C>
+int FormatBounded(C* dst, size_t size, const C* format, va_list args) {
+  Owned text;
   text.str().reserve(256);
+  const int n = text.formatVaList(format, args);
+  Copy(dst, size, text.c_str());
+  return n;
+}
+
+}  // namespace
+
+int QN_sprintf_s(char* dst, size_t size, const char* format, ...) {
   va_list args;
   va_start(args, format);
-  const int n = text.formatVaList(format, args);
+  const int n = FormatBounded<astr>(dst, size, format, args);
   va_end(args);
-  QN_strcpy_s(dst, size, text.c_str());
   return n;
 }
 
 int QN_swprintf_s(wchar_t* dst, size_t size, const wchar_t* format, ...) {
-  ustr text;
-  text.str().reserve(256);
   va_list args;
   va_start(args, format);
-  const int n = text.formatVaList(format, args);
+  const int n = FormatBounded<ustr>(dst, size, format, args);
   va_end(args);
-  QN_wcscpy_s(dst, size, text.c_str());
   return n;
 }

@@ -9,34 +9,15 @@
 #include "project/qb_test_fixture.h"
 #include "qb.h"
 #include "qt_test.h"
+#include "tool_test_support.h"
 
 using namespace qb_test;
 
 namespace {
 
-struct Result {
-  int code;
-  std::string out;
-  std::string err;
-};
+using qt_tool_test::Result;
 
-std::string Slurp(FILE* f) {
-  std::string text;
-  std::rewind(f);
-  char chunk[4096];
-  for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) text.append(chunk, n);
-  std::fclose(f);
-  return text;
-}
-
-Result Db(const std::vector<std::string>& args) {
-  FILE* out = std::tmpfile();
-  FILE* err = std::tmpfile();
-  std::vector<std::string> all = {"db"};
-  all.insert(all.end(), args.begin(), args.end());
-  const int code = qt_tool::Run(all, out, err);
-  return {code, Slurp(out), Slurp(err)};
-}
+Result Db(const std::vector<std::string>& args) { return qt_tool_test::RunTool("db", args); }
 
 class DbTool : public ::testing::Test {
  protected:

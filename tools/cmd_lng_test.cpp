@@ -4,9 +4,12 @@
 #include <string>
 
 #include "command.h"
+#include "tool_test_support.h"
 #include "testsupport/qt_test.h"
 
 namespace {
+
+using qt_tool_test::Result;
 
 const char kDefinition[] =
     "qlgdef 1\nsource 1512\nlanguage 1512 en \"English\"\nlanguage 1513 de \"German\"\nlanguage 1515 fr \"French\"\n";
@@ -35,31 +38,7 @@ const char kModule[] =
     "\t1512 \"100 %% of %s\"\n"
     "\t1515 \"100 %% de %s\"\n";
 
-struct Result {
-  int code;
-  std::string out, err;
-};
-
-std::string Drain(FILE* f) {
-  std::string s;
-  std::rewind(f);
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) s.append(buf, n);
-  std::fclose(f);
-  return s;
-}
-
-Result Lng(std::vector<std::string> args) {
-  args.insert(args.begin(), "lng");
-  FILE* out = std::tmpfile();
-  FILE* err = std::tmpfile();
-  Result r;
-  r.code = qt_tool::Run(args, out, err);
-  r.out = Drain(out);
-  r.err = Drain(err);
-  return r;
-}
+Result Lng(const std::vector<std::string>& args) { return qt_tool_test::RunTool("lng", args); }
 
 bool Write(const std::string& path, const std::string& text) {
   FILE* f = std::fopen(path.c_str(), "wb");

@@ -7,38 +7,16 @@
 
 #include "cmd_lock_platform.h"
 #include "command.h"
+#include "tool_test_support.h"
 #include "testsupport/qt_test.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-struct Result {
-  int code;
-  std::string out, err;
-};
+using qt_tool_test::Result;
 
-std::string Drain(FILE* f) {
-  std::string s;
-  std::rewind(f);
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) s.append(buf, n);
-  std::fclose(f);
-  return s;
-}
-
-Result Lock(const std::vector<std::string>& args) {
-  std::vector<std::string> all{"lock"};
-  all.insert(all.end(), args.begin(), args.end());
-  FILE* out = std::tmpfile();
-  FILE* err = std::tmpfile();
-  Result r;
-  r.code = qt_tool::Run(all, out, err);
-  r.out = Drain(out);
-  r.err = Drain(err);
-  return r;
-}
+Result Lock(const std::vector<std::string>& args) { return qt_tool_test::RunTool("lock", args); }
 
 std::string MakeFile(const qt_test::TempDir& dir, const std::string& name) {
   const std::string path = dir.file(name);

@@ -7,37 +7,15 @@
 
 #include "Registry.h"
 #include "command.h"
+#include "tool_test_support.h"
 #include "qt_test.h"
 #include "settings/regstore.h"
 
 namespace {
 
-struct Result {
-  int code;
-  std::string out, err;
-};
+using qt_tool_test::Result;
 
-std::string Drain(FILE* f) {
-  std::string text;
-  std::rewind(f);
-  char buffer[4096];
-  size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
-  std::fclose(f);
-  return text;
-}
-
-Result Reg(const std::vector<std::string>& args) {
-  std::vector<std::string> all = {"reg"};
-  all.insert(all.end(), args.begin(), args.end());
-  FILE* out = std::tmpfile();
-  FILE* err = std::tmpfile();
-  Result r;
-  r.code = qt_tool::Run(all, out, err);
-  r.out = Drain(out);
-  r.err = Drain(err);
-  return r;
-}
+Result Reg(const std::vector<std::string>& args) { return qt_tool_test::RunTool("reg", args); }
 
 std::vector<BYTE> Raw(HKEY root, const std::wstring& key, const std::wstring& name, DWORD* type = nullptr) {
   std::vector<BYTE> data;
