@@ -8,6 +8,11 @@
 // needs memory shared between the processes of one host, so on a network
 // mount (and for the machine root, which ordinary users can only read) the
 // store keeps a rollback journal instead.
+//
+// Reads are answered from a cache in the process while the store's change
+// counter (regstore_cache_posix.h) says that nobody has written since; the
+// counter needs memory shared between processes, so only a WAL store on a
+// local disk is cached.
 #include "settings/regstore.h"
 
 #include <sqlite3.h>
@@ -15,15 +20,20 @@
 #include <sys/statfs.h>
 #include <sys/types.h>
 #include <errno.h>
+#include <pthread.h>
 #include <pwd.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
 #include <unordered_set>
 
+#include "settings/regstore_cache_posix.h"
 #include "ustr.h"
 
 namespace qt_reg {
@@ -34,6 +44,7 @@ namespace {
 const int kApplicationId = 0x51545247;
 const int kFormatVersion = 1;
 const char kStoreFileName[] = "settings.db";
+const char kCounterSuffix[] = "-changes";
 // Generous: a writer waits for others rather than failing while a burst of
 // writes from several processes drains.
 const int kBusyTimeoutMs = 15000;
@@ -61,10 +72,43 @@ std::wstring Wide(const char* s, int n) { return qn_ansi_to_wide(s ? s : "", n <
 // Names compare as the registry compares them: character by character,
 // upper-cased.
 std::string Fold(const std::wstring& w) {
+  // Most names are ASCII, which needs neither the locale nor a copy; the
+  // bytes are the same as the general way gives.
+  std::string ascii;
+  ascii.reserve(w.size());
+  for (wchar_t c : w) {
+    if (static_cast<unsigned long>(c) >= 0x80) break;
+    ascii += static_cast<char>(c >= L'a' && c <= L'z' ? c - 32 : c);
+  }
+  if (ascii.size() == w.size()) return ascii;
   std::wstring up(w);
   for (wchar_t& c : up) c = qn_charupper(c);
   return Utf8(up);
 }
+
+std::atomic<unsigned long long> g_statements{0};
+std::atomic<int> g_recheckMs{250};
+std::atomic<void (*)(int)> g_writeHook{nullptr};
+
+int CountStatement(unsigned, void*, void*, void*) {
+  ++g_statements;
+  return 0;
+}
+
+int64_t NowMs() {
+  struct timespec now;
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+void WriteStage(int stage) {
+  if (void (*hook)(int) = g_writeHook.load()) hook(stage);
+}
+
+// Connections inherited over fork: unusable in the child and not to be
+// closed there, but kept reachable so that they are not reported as leaks.
+sqlite3* g_abandoned[64];
+size_t g_abandonedCount = 0;
 
 bool IsNetworkFileSystem(const std::string& dir) {
   struct statfs fs;
@@ -204,6 +248,15 @@ class Store {
     return file_;
   }
   bool readOnly() const { return readOnly_; }
+  // Changes when the file is found to be another one than the store
+  // opened before: ids of keys in the former file mean nothing in it.
+  unsigned generation() const { return generation_; }
+
+  // At the start of every call: now and then the files are looked at for
+  // what the change counter cannot tell (see recheck).
+  void refresh() {
+    if (db_ && !inRead_ && recheckDue()) recheck();
+  }
 
   // Opens the store file when it is not open yet. Without forWrite a
   // missing file is reported as kFileNotFound and not created, so readers
@@ -216,6 +269,7 @@ class Store {
     const bool exists = stat(file_.c_str(), &st) == 0;
     if (!exists && !forWrite) return kFileNotFound;
     if (!exists && !MakeDirs(dir_, machine_ ? 0755 : 0700)) return kAccessDenied;
+    network_ = IsNetworkFileSystem(dir_);
     int rc = sqlite3_open_v2(file_.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
     readOnly_ = false;
     if (rc != SQLITE_OK && exists) {
@@ -230,8 +284,23 @@ class Store {
       return err;
     }
     const long err = configure();
-    if (err != kOk) close();
-    return err;
+    if (err != kOk) {
+      close();
+      return err;
+    }
+    // Identified by the state before opening: a file replaced in between
+    // is then merely looked at again at the next check.
+    if (exists || stat(file_.c_str(), &st) == 0) {
+      fileDev_ = st.st_dev;
+      fileIno_ = st.st_ino;
+    }
+    counterAllowed_ = !network_;
+    cacheAllowed_ = counterAllowed_ && walJournal();
+    // Readers of a store that is not cached need no counter; its writers
+    // open it when they write.
+    if (cacheAllowed_) counter_.open(counterFile(), false, fileMode(), file_);
+    lastCheckMs_ = NowMs();
+    return kOk;
   }
 
   void close() {
@@ -243,6 +312,59 @@ class Store {
     db_ = nullptr;
     broken_ = false;
     inRead_ = false;
+    counter_.close();
+    cache_.clear();
+    counterAllowed_ = cacheAllowed_ = false;
+  }
+
+  // In a child after fork. SQLite's connection may not be used across
+  // fork, and closing it here could checkpoint and remove the WAL journal
+  // that the parent still uses; the child opens a connection of its own.
+  void forgetAfterFork() {
+    if (db_ && g_abandonedCount < sizeof g_abandoned / sizeof g_abandoned[0]) g_abandoned[g_abandonedCount++] = db_;
+    for (sqlite3_stmt*& s : statements_) s = nullptr;
+    db_ = nullptr;
+    broken_ = false;
+    inRead_ = false;
+    counter_.forgetAfterFork();
+    cache_.clear();
+    counterAllowed_ = cacheAllowed_ = false;
+  }
+
+  // Before a read that the cache may answer: the kept answer, or null when
+  // SQL must answer, noting whether that answer may then be kept.
+  const CachedRead* cached(const std::string& key) {
+    fill_ = false;
+    uint64_t now = 0;
+    if (!cacheAllowed_ || !counter_.settled(&now)) return nullptr;
+    cache_.startAt(now);
+    // The transaction of a read group may hold a state older than the
+    // counter now names; the group keeps seeing that state.
+    if (inRead_ && (!groupSettled_ || groupValue_ != now)) return nullptr;
+    fill_ = true;
+    return cache_.find(key);
+  }
+  void keep(const std::string& key, CachedRead&& answer) {
+    if (fill_ && (answer.rc == kOk || answer.rc == kFileNotFound || answer.rc == kKeyDeleted))
+      cache_.put(key, std::move(answer));
+    fill_ = false;
+  }
+
+  // Around every write (see WriteGuard). Without a counter file that can be
+  // written no write happens at all: processes caching the store would
+  // not learn of it.
+  long announceWrite() {
+    if (!counterAllowed_) return kOk;
+    if (!counter_.writable() && !counter_.open(counterFile(), true, fileMode(), file_)) return kAccessDenied;
+    if (!counter_.announce(kBusyTimeoutMs)) return kRegistryIoFailed;
+    WriteStage(kWriteAnnounced);
+    return kOk;
+  }
+  void completeWrite() {
+    // A transaction still open here was left by an exception.
+    rollback();
+    if (counter_.isOpen()) WriteStage(kWriteCommitted);
+    counter_.complete();
   }
 
   sqlite3_stmt* statement(Statement which) { return statements_[which]; }
@@ -270,7 +392,12 @@ class Store {
   // Reads between BeginRead and EndRead share one read transaction, which
   // saves taking and dropping the file's read lock for each statement.
   void joinRead(int depth) {
-    if (depth > 0 && !inRead_ && sqlite3_get_autocommit(db_) && run(kBeginRead)) inRead_ = true;
+    if (depth > 0 && !inRead_ && sqlite3_get_autocommit(db_)) {
+      // Loaded before the transaction takes its snapshot, which is then at
+      // least as new.
+      groupSettled_ = cacheAllowed_ && counter_.settled(&groupValue_);
+      if (run(kBeginRead)) inRead_ = true;
+    }
   }
   void endRead() {
     if (inRead_ && db_ && !sqlite3_get_autocommit(db_)) run(kCommitRead);
@@ -306,6 +433,39 @@ class Store {
     file_ = dir_ + "/" + kStoreFileName;
   }
 
+  std::string counterFile() const { return file_ + kCounterSuffix; }
+  mode_t fileMode() const { return machine_ ? 0644 : 0600; }
+
+  bool recheckDue() const {
+    const int every = g_recheckMs.load();
+    return every == 0 || (every > 0 && NowMs() - lastCheckMs_ >= every);
+  }
+
+  // A store file replaced, moved away or damaged in place, an edit by
+  // another program, a counter file made anew: none moves the counter.
+  void recheck() {
+    lastCheckMs_ = NowMs();
+    cache_.clear();
+    struct stat st;
+    if (stat(file_.c_str(), &st) != 0 || st.st_dev != fileDev_ || st.st_ino != fileIno_) {
+      close();
+      ++generation_;
+      return;
+    }
+    if (cacheAllowed_ && !counter_.isFile(counterFile())) counter_.open(counterFile(), false, fileMode(), file_);
+  }
+
+  bool walJournal() {
+    sqlite3_stmt* s = nullptr;
+    bool wal = false;
+    if (sqlite3_prepare_v2(db_, "PRAGMA journal_mode", -1, &s, nullptr) == SQLITE_OK && sqlite3_step(s) == SQLITE_ROW) {
+      const char* mode = reinterpret_cast<const char*>(sqlite3_column_text(s, 0));
+      wal = mode && sqlite3_stricmp(mode, "wal") == 0;
+    }
+    sqlite3_finalize(s);
+    return wal;
+  }
+
   int pragmaInt(const char* sql, int* value) {
     sqlite3_stmt* s = nullptr;
     int rc = sqlite3_prepare_v2(db_, sql, -1, &s, nullptr);
@@ -325,7 +485,7 @@ class Store {
   std::string journalMode() const {
     const char* forced = std::getenv("QUILTOOL_STORE_JOURNAL");
     if (forced && (std::strcmp(forced, "wal") == 0 || std::strcmp(forced, "delete") == 0)) return forced;
-    return (machine_ || IsNetworkFileSystem(dir_)) ? "delete" : "wal";
+    return (machine_ || network_) ? "delete" : "wal";
   }
 
   // A WAL commit is in the journal file before the call returns, so a
@@ -341,6 +501,7 @@ class Store {
   }
 
   long configure() {
+    sqlite3_trace_v2(db_, SQLITE_TRACE_STMT, CountStatement, nullptr);
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
     sqlite3_extended_result_codes(db_, 0);
     // Reading the header first tells a damaged or foreign file from a store
@@ -382,11 +543,40 @@ class Store {
 
   const bool machine_;
   std::string dir_, file_;
+  bool network_ = false;
   sqlite3* db_ = nullptr;
   bool readOnly_ = false;
   bool broken_ = false;
   bool inRead_ = false;
   sqlite3_stmt* statements_[kStatementCount] = {};
+  dev_t fileDev_ = 0;
+  ino_t fileIno_ = 0;
+  int64_t lastCheckMs_ = 0;
+  unsigned generation_ = 0;
+  ChangeCounter counter_;
+  bool counterAllowed_ = false;
+  bool cacheAllowed_ = false;
+  ReadCache cache_;
+  bool fill_ = false;
+  bool groupSettled_ = false;
+  uint64_t groupValue_ = 0;
+};
+
+// Holds a write announced on the change counter until it is committed or
+// given up.
+class WriteGuard {
+ public:
+  explicit WriteGuard(Store& store) : store_(store), rc_(store.announceWrite()) {}
+  ~WriteGuard() {
+    if (rc_ == kOk) store_.completeWrite();
+  }
+  WriteGuard(const WriteGuard&) = delete;
+  WriteGuard& operator=(const WriteGuard&) = delete;
+  long rc() const { return rc_; }
+
+ private:
+  Store& store_;
+  const long rc_;
 };
 
 const unsigned kKeyMagic = 0x4B455921;
@@ -396,6 +586,7 @@ struct Key {
   Store* store = nullptr;
   sqlite3_int64 id = 0;
   DWORD access = 0;
+  unsigned generation = 0;
   // The last value read in a read group: asking a value's size and then
   // its data is one read of the store, as both see the same snapshot.
   unsigned long cachedIn = 0;
@@ -412,12 +603,26 @@ struct State {
   std::unordered_set<Key*> keys;
 };
 
+State& Global();
+
+// A child forked while another thread is inside the store would find the
+// lock taken forever; holding it across fork rules that out.
+void LockBeforeFork() { Global().mutex.lock(); }
+void UnlockInParent() { Global().mutex.unlock(); }
+void ForgetInChild() {
+  State& g = Global();
+  g.user.forgetAfterFork();
+  g.machine.forgetAfterFork();
+  g.mutex.unlock();
+}
+
 State& Global() {
   // Never destroyed, as handles may still be closed from other static
   // destructors; but the files are closed at exit, which checkpoints and
   // removes a WAL journal.
   static State* state = new State();
   static struct AtExit {
+    AtExit() { pthread_atfork(LockBeforeFork, UnlockInParent, ForgetInChild); }
     ~AtExit() {
       std::lock_guard<std::mutex> lock(state->mutex);
       state->user.close();
@@ -439,12 +644,17 @@ long Resolve(HKEY handle, Target* t) {
   State& g = Global();
   if (handle == HKEY_CURRENT_USER || handle == HKEY_LOCAL_MACHINE) {
     t->store = handle == HKEY_CURRENT_USER ? &g.user : &g.machine;
+    t->store->refresh();
     t->id = 0;
     t->access = kKeyAllAccess;
     return kOk;
   }
   Key* key = reinterpret_cast<Key*>(handle);
   if (!handle || g.keys.find(key) == g.keys.end() || key->magic != kKeyMagic) return kInvalidHandle;
+  key->store->refresh();
+  // A key of a store file that was replaced or removed is gone, as a
+  // deleted key is; its id might name another key in the file now there.
+  if (key->id != 0 && key->generation != key->store->generation()) return kKeyDeleted;
   t->store = key->store;
   t->id = key->id;
   t->access = key->access;
@@ -472,9 +682,9 @@ long ParsePath(const wchar_t* path, std::vector<std::wstring>* parts) {
   }
 }
 
-long FindChild(Store& store, sqlite3_int64 parent, const std::wstring& name, sqlite3_int64* id) {
+long FindChild(Store& store, sqlite3_int64 parent, const std::string& fold, sqlite3_int64* id) {
   Query q(store.statement(kFindChild));
-  q.bind(1, parent).bind(2, Fold(name));
+  q.bind(1, parent).bind(2, fold);
   const int rc = q.step();
   if (rc == SQLITE_ROW) {
     *id = q.integer(0);
@@ -492,14 +702,47 @@ long KeyExists(Store& store, sqlite3_int64 id) {
   return rc == SQLITE_DONE ? kKeyDeleted : store.fail(rc);
 }
 
-long Walk(Store& store, sqlite3_int64 from, const std::vector<std::wstring>& parts, sqlite3_int64* id) {
+// The lookups of a reader: from the cache when it may answer, else from
+// SQL inside the caller's read group, keeping the answer.
+long ReadChild(Store& store, sqlite3_int64 parent, const std::string& fold, sqlite3_int64* id) {
+  const std::string key = ReadCache::Key('C', parent, fold);
+  if (const CachedRead* hit = store.cached(key)) {
+    if (hit->rc == kOk) *id = hit->id;
+    return hit->rc;
+  }
+  store.joinRead(Global().readDepth);
+  CachedRead answer;
+  sqlite3_int64 found = 0;
+  answer.rc = FindChild(store, parent, fold, &found);
+  answer.id = found;
+  const long rc = answer.rc;
+  if (rc == kOk) *id = found;
+  store.keep(key, std::move(answer));
+  return rc;
+}
+
+long ReadKeyExists(Store& store, sqlite3_int64 id) {
+  if (id == 0) return kOk;
+  const std::string key = ReadCache::Key('K', id, std::string());
+  if (const CachedRead* hit = store.cached(key)) return hit->rc;
+  store.joinRead(Global().readDepth);
+  CachedRead answer;
+  answer.rc = KeyExists(store, id);
+  const long rc = answer.rc;
+  store.keep(key, std::move(answer));
+  return rc;
+}
+
+// Readers pass cached; a writer inside its transaction must see the file.
+long Walk(Store& store, sqlite3_int64 from, const std::vector<std::wstring>& parts, bool cached, sqlite3_int64* id) {
   sqlite3_int64 at = from;
   if (parts.empty()) {
-    const long rc = KeyExists(store, at);
+    const long rc = cached ? ReadKeyExists(store, at) : KeyExists(store, at);
     if (rc != kOk) return rc;
   }
   for (const std::wstring& part : parts) {
-    const long rc = FindChild(store, at, part, &at);
+    const std::string fold = Fold(part);
+    const long rc = cached ? ReadChild(store, at, fold, &at) : FindChild(store, at, fold, &at);
     if (rc != kOk) return rc;
   }
   *id = at;
@@ -511,6 +754,7 @@ HKEY NewHandle(Store* store, sqlite3_int64 id, DWORD access) {
   key->store = store;
   key->id = id;
   key->access = access;
+  key->generation = store->generation();
   Global().keys.insert(key);
   return reinterpret_cast<HKEY>(key);
 }
@@ -543,9 +787,25 @@ long LoadValue(HKEY key, const wchar_t* name, DWORD* type, std::vector<BYTE>* da
     return kOk;
   }
   rc = t.store->open(false);
-  if (rc == kOk) t.store->joinRead(g.readDepth);
   if (rc != kOk) return rc;
-  rc = GetValueRow(*t.store, t.id, fold, type, data);
+  const std::string cacheKey = ReadCache::Key('V', t.id, fold);
+  if (const CachedRead* hit = t.store->cached(cacheKey)) {
+    rc = hit->rc;
+    if (rc == kOk) {
+      *type = hit->type;
+      *data = hit->data;
+    }
+  } else {
+    t.store->joinRead(g.readDepth);
+    CachedRead answer;
+    answer.rc = GetValueRow(*t.store, t.id, fold, &answer.type, &answer.data);
+    rc = answer.rc;
+    if (rc == kOk) {
+      *type = answer.type;
+      *data = answer.data;
+    }
+    t.store->keep(cacheKey, std::move(answer));
+  }
   if (rc == kOk && k && g.readDepth > 0) {
     k->cachedIn = g_snapshot;
     k->cachedFold = fold;
@@ -580,7 +840,6 @@ long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
     rc = ParsePath(subKey, &parts);
     if (rc != kOk) return rc;
     rc = t.store->open(false);
-    if (rc == kOk) t.store->joinRead(Global().readDepth);
     if (rc == kFileNotFound && parts.empty() && t.id == 0) {
       // The root of a store not yet written exists, empty.
       *key = NewHandle(t.store, 0, access);
@@ -589,7 +848,7 @@ long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
     if (rc != kOk) return rc;
     if ((access & (kKeySetValue | kKeyCreateSubKey)) && t.store->readOnly()) return kAccessDenied;
     sqlite3_int64 id = 0;
-    rc = Walk(*t.store, t.id, parts, &id);
+    rc = Walk(*t.store, t.id, parts, true, &id);
     if (rc != kOk) return rc;
     *key = NewHandle(t.store, id, access);
     return kOk;
@@ -611,12 +870,14 @@ long CreateKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
     if (rc != kOk) return rc;
     Store& s = *t.store;
     if (s.readOnly()) return kAccessDenied;
+    WriteGuard guard(s);
+    if (guard.rc() != kOk) return guard.rc();
     rc = s.begin();
     if (rc != kOk) return rc;
     sqlite3_int64 at = t.id;
     rc = KeyExists(s, at);
     for (size_t i = 0; rc == kOk && i < parts.size(); ++i) {
-      rc = FindChild(s, at, parts[i], &at);
+      rc = FindChild(s, at, Fold(parts[i]), &at);
       if (rc != kFileNotFound) continue;
       Query q(s.statement(kInsertKey));
       q.bind(1, at).bind(2, Utf8(parts[i])).bind(3, Fold(parts[i]));
@@ -690,6 +951,8 @@ long SetValue(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD
     if (rc != kOk) return rc;
     Store& s = *t.store;
     if (s.readOnly()) return kAccessDenied;
+    WriteGuard guard(s);
+    if (guard.rc() != kOk) return guard.rc();
     Query q(s.statement(kSetValue));
     q.bind(1, t.id).bind(2, Utf8(n)).bind(3, Fold(n)).bind(4, static_cast<sqlite3_int64>(type)).bindBlob(5, data, size);
     const int step = q.step();
@@ -709,6 +972,8 @@ long DeleteValue(HKEY key, const wchar_t* name) {
     if (rc != kOk) return rc;
     Store& s = *t.store;
     if (s.readOnly()) return kAccessDenied;
+    WriteGuard guard(s);
+    if (guard.rc() != kOk) return guard.rc();
     Query q(s.statement(kDeleteValue));
     q.bind(1, t.id).bind(2, Fold(name ? name : L""));
     const int step = q.step();
@@ -730,10 +995,12 @@ long DeleteKey(HKEY key, const wchar_t* subKey) {
     if (rc != kOk) return rc;
     Store& s = *t.store;
     if (s.readOnly()) return kAccessDenied;
+    WriteGuard guard(s);
+    if (guard.rc() != kOk) return guard.rc();
     rc = s.begin();
     if (rc != kOk) return rc;
     sqlite3_int64 id = 0;
-    rc = Walk(s, t.id, parts, &id);
+    rc = Walk(s, t.id, parts, false, &id);
     // A root cannot go, nor a key that still has subkeys.
     if (rc == kOk && id == 0) rc = kAccessDenied;
     if (rc == kOk) {
@@ -876,6 +1143,12 @@ std::wstring ExpandEnvironmentText(const std::wstring& text) {
   out.append(text, i, std::wstring::npos);
   return out;
 }
+
+unsigned long long StoreStatementCount() { return g_statements.load(); }
+
+int SetStoreRecheckInterval(int ms) { return g_recheckMs.exchange(ms < 0 ? -1 : ms); }
+
+void SetStoreWriteHook(void (*hook)(int stage)) { g_writeHook.store(hook); }
 
 std::string StoreFile(HKEY root) {
   try {
