@@ -5,6 +5,7 @@
 #include "quiltool_export.h"
 #include "qn_wintypes.h"
 #include "ustr.h"
+#include "qn_utf.h"
 #include "LngAppID.h"
 #include "gwframe.h"
 #include "gwarray.h"

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <string>
 
+#include "qn_utf.h"
 #include "settings/logging_internal.h"
 #include "settings/logging_platform.h"
 #include "ustr.h"
@@ -62,8 +63,8 @@ void Logging::output(const wchar_t* text) {
 
 void Logging::outputFile(const wchar_t* text) {
   if (!m_file) return;
-  std::string bytes;
-  qt::logging::AppendUtf16le(bytes, text);
+  // Explicit UTF-16LE: the file is the same on both targets.
+  const std::string bytes = qn_wide_to_utf16le(text);
   if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), m_file);
   // Flushed piece by piece so that the log survives a crash of the host.
   std::fflush(m_file);

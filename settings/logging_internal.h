@@ -17,10 +17,6 @@ bool& GlobalSwitch();
 // Set by the first output of any Logging object.
 bool& AnyOutputSeen();
 
-// Appends text as UTF-16LE bytes; on Linux code points beyond the BMP become
-// surrogate pairs, so the file is the same on both targets.
-void AppendUtf16le(std::string& out, const wchar_t* text);
-
 }  // namespace logging
 }  // namespace qt
 

@@ -34,10 +34,6 @@ State& Reg();
 // last "\" into key (kPathChars) and value (kPathChars).
 QT_API void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value);
 
-// UTF-16LE bytes up to the first zero character into a buffer of outChars
-// wide characters (always terminated, cut to fit); allocates nothing.
-void DecodeInto(const BYTE* bytes, size_t size, wchar_t* out, size_t outChars);
-
 // Splits path into the shared buffers, opens its key for reading (under
 // root, or under the user application key) and asks the value's size.
 // On success the caller closes *key.

@@ -6,6 +6,7 @@
 
 #include "Registry.h"
 #include "gwframe.h"
+#include "qn_utf.h"
 #include "settings/reg_internal.h"
 #include "settings/regstore.h"
 
@@ -31,23 +32,6 @@ void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value) {
   *last = 0;
   QN_wcscpy_s(key, kPathChars, cut);
   QN_wcscpy_s(value, kPathChars, last + 1);
-}
-
-void DecodeInto(const BYTE* bytes, size_t size, wchar_t* out, size_t outChars) {
-  size_t n = 0;
-  for (size_t i = 0; i + 1 < size && n + 1 < outChars; i += 2) {
-    unsigned unit = bytes[i] | (static_cast<unsigned>(bytes[i + 1]) << 8);
-    if (unit == 0) break;
-    if (sizeof(wchar_t) == 4 && unit >= 0xD800 && unit < 0xDC00 && i + 3 < size) {
-      const unsigned low = bytes[i + 2] | (static_cast<unsigned>(bytes[i + 3]) << 8);
-      if (low >= 0xDC00 && low < 0xE000) {
-        unit = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-        i += 2;
-      }
-    }
-    out[n++] = static_cast<wchar_t>(unit);
-  }
-  out[n] = 0;
 }
 
 namespace {
@@ -102,7 +86,7 @@ bool ReadLimitedText(HKEY root, const wchar_t* path, DWORD limitBytes, wchar_t* 
   const bool ok = RawRead(key, size, bytes, limitBytes);
   qt_reg::CloseKey(key);
   if (!ok) return false;
-  DecodeInto(bytes, limitBytes, out, static_cast<size_t>(outChars));
+  qn_utf16le_to_wide(bytes, limitBytes, out, static_cast<size_t>(outChars), QN_UTF_STOP_AT_ZERO);
   return true;
 }
 
@@ -257,7 +241,7 @@ wchar_t* GetStringAtt(HKEY root, const wchar_t* path, wchar_t* defaultValue) {
   const bool ok = qt_registry::RawRead(key, size, bytes, qt_registry::kRingChars);
   qt_reg::CloseKey(key);
   if (!ok) return defaultValue;
-  qt_registry::DecodeInto(bytes, qt_registry::kRingChars, out, qt_registry::kRingChars);
+  qn_utf16le_to_wide(bytes, qt_registry::kRingChars, out, qt_registry::kRingChars, QN_UTF_STOP_AT_ZERO);
   return out;
 }
 

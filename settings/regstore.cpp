@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <new>
 
+#include "qn_utf.h"
+
 namespace qt_reg {
 
 long ReadValue(HKEY key, const wchar_t* name, DWORD* type, std::vector<BYTE>* data) {
@@ -85,44 +87,12 @@ long DeleteTree(HKEY parent, const wchar_t* subKey) {
 }
 
 std::vector<BYTE> ToUtf16Bytes(const std::wstring& text, bool terminator) {
-  std::vector<BYTE> out;
-  out.reserve(text.size() * 2 + 2);
-  auto put = [&out](unsigned unit) {
-    out.push_back(static_cast<BYTE>(unit & 0xFF));
-    out.push_back(static_cast<BYTE>(unit >> 8));
-  };
-  for (wchar_t c : text) {
-    const unsigned long cp = static_cast<unsigned long>(c);
-    if (cp > 0xFFFF && cp <= 0x10FFFF) {
-      put(0xD800 + ((cp - 0x10000) >> 10));
-      put(0xDC00 + ((cp - 0x10000) & 0x3FF));
-    } else {
-      put(static_cast<unsigned>(cp & 0xFFFF));
-    }
-  }
-  if (terminator) put(0);
-  return out;
+  // c_str() is followed by its zero, which becomes the terminator.
+  const std::string bytes = qn_wide_to_utf16le(text.c_str(), text.size() + (terminator ? 1 : 0));
+  return std::vector<BYTE>(bytes.begin(), bytes.end());
 }
 
-std::wstring FromUtf16Bytes(const BYTE* data, size_t size) {
-  std::wstring out;
-  if (!data) return out;
-  const size_t units = size / 2;
-  for (size_t i = 0; i < units; ++i) {
-    unsigned unit = data[2 * i] | (static_cast<unsigned>(data[2 * i + 1]) << 8);
-    if (unit == 0) break;
-    if (sizeof(wchar_t) == 4 && unit >= 0xD800 && unit < 0xDC00 && i + 1 < units) {
-      const unsigned low = data[2 * i + 2] | (static_cast<unsigned>(data[2 * i + 3]) << 8);
-      if (low >= 0xDC00 && low < 0xE000) {
-        out += static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-        ++i;
-        continue;
-      }
-    }
-    out += static_cast<wchar_t>(unit);
-  }
-  return out;
-}
+std::wstring FromUtf16Bytes(const BYTE* data, size_t size) { return qn_utf16le_to_wide(data, size, QN_UTF_STOP_AT_ZERO); }
 
 size_t Utf16Length(const wchar_t* text) {
   size_t n = 0;

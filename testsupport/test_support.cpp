@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "child_process.h"
+#include "qn_utf.h"
 #include "qt_test.h"
 
 namespace fs = std::filesystem;
@@ -102,51 +103,9 @@ std::string TempDir::file(const std::string& name) const { return (fs::path(path
 
 std::wstring TempDir::wfile(const std::string& name) const { return Widen(file(name)); }
 
-std::wstring Widen(const std::string& s) {
-  std::wstring out;
-  for (size_t i = 0; i < s.size();) {
-    unsigned char c = static_cast<unsigned char>(s[i]);
-    unsigned cp = c;
-    int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : 0;
-    if (extra) cp = c & (0x3F >> extra);
-    for (int k = 1; k <= extra && i + k < s.size(); ++k) cp = (cp << 6) | (static_cast<unsigned char>(s[i + k]) & 0x3F);
-    i += 1 + extra;
-    if (sizeof(wchar_t) == 2 && cp > 0xFFFF) {
-      cp -= 0x10000;
-      out += static_cast<wchar_t>(0xD800 + (cp >> 10));
-      out += static_cast<wchar_t>(0xDC00 + (cp & 0x3FF));
-    } else {
-      out += static_cast<wchar_t>(cp);
-    }
-  }
-  return out;
-}
+std::wstring Widen(const std::string& s) { return qn_utf8_to_wide(s.data(), s.size()); }
 
-std::string Narrow(const std::wstring& w) {
-  std::string out;
-  for (size_t i = 0; i < w.size(); ++i) {
-    unsigned cp = static_cast<unsigned>(w[i]);
-    if (sizeof(wchar_t) == 2 && cp >= 0xD800 && cp < 0xDC00 && i + 1 < w.size()) {
-      cp = 0x10000 + ((cp - 0xD800) << 10) + (static_cast<unsigned>(w[++i]) - 0xDC00);
-    }
-    if (cp < 0x80) {
-      out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-      out += static_cast<char>(0xC0 | (cp >> 6));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-      out += static_cast<char>(0xE0 | (cp >> 12));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (cp >> 18));
-      out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-  }
-  return out;
-}
+std::string Narrow(const std::wstring& w) { return qn_wide_to_utf8(w.data(), w.size()); }
 
 std::string ReadFileBytes(const std::string& path) {
   std::ifstream in(fs::path(path), std::ios::binary);

@@ -11,6 +11,7 @@
 
 #include "command.h"
 #include "qb.h"
+#include "qn_utf.h"
 #include "ustr.h"
 
 namespace {
@@ -32,34 +33,8 @@ const char* TypeName(short type) {
 
 // UTF-16LE bytes as UTF-8, whatever the width of wchar_t.
 std::string Utf16ToUtf8(const unsigned char* p, size_t size) {
-  std::string out;
-  for (size_t i = 0; i + 1 < size; i += 2) {
-    unsigned c = p[i] | (p[i + 1] << 8);
-    if (c >= 0xD800 && c <= 0xDBFF && i + 3 < size) {
-      const unsigned low = p[i + 2] | (p[i + 3] << 8);
-      if (low >= 0xDC00 && low <= 0xDFFF) {
-        c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-        i += 2;
-      }
-    }
-    if (c >= 0xD800 && c <= 0xDFFF) c = 0xFFFD;
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
-  return out;
+  const std::wstring wide = qn_utf16le_to_wide(p, size, QN_UTF_REPLACE_INVALID);
+  return qn_wide_to_utf8(wide.data(), wide.size(), QN_UTF_REPLACE_INVALID);
 }
 
 std::string Quoted(const std::string& text) {

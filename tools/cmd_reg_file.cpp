@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cwctype>
 
+#include "qn_utf.h"
 #include "settings/regstore.h"
 #include "ustr.h"
 
@@ -42,20 +43,7 @@ std::wstring Decode(const std::string& bytes, bool* utf16) {
            static_cast<unsigned char>(bytes[1]) == 0xFE;
   if (*utf16) {
     // Not FromUtf16Bytes: a zero character must not end the text here.
-    std::wstring out;
-    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      unsigned unit = static_cast<unsigned char>(bytes[i]) | (static_cast<unsigned char>(bytes[i + 1]) << 8);
-      if (sizeof(wchar_t) == 4 && unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size()) {
-        const unsigned low = static_cast<unsigned char>(bytes[i + 2]) | (static_cast<unsigned char>(bytes[i + 3]) << 8);
-        if (low >= 0xDC00 && low < 0xE000) {
-          out += static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-          i += 2;
-          continue;
-        }
-      }
-      out += static_cast<wchar_t>(unit);
-    }
-    return out;
+    return qn_utf16le_to_wide(bytes.data() + 2, bytes.size() - 2);
   }
   size_t skip = 0;
   if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) skip = 3;

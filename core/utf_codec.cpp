@@ -1,0 +1,178 @@
+// The library's one Unicode codec. It decides by the width of wchar_t, not
+// by platform, so the same source gives the same bytes on both targets.
+#include "qn_utf.h"
+
+#include <cwchar>
+
+namespace {
+
+const bool kWide16 = sizeof(wchar_t) == 2;
+const char32_t kReplacement = 0xFFFD;
+
+bool IsHigh(char32_t u) { return u >= 0xD800 && u <= 0xDBFF; }
+bool IsLow(char32_t u) { return u >= 0xDC00 && u <= 0xDFFF; }
+bool IsSurrogate(char32_t u) { return u >= 0xD800 && u <= 0xDFFF; }
+
+// wchar_t is signed on Linux: a negative value is taken as the large
+// unsigned one, which is no character either.
+char32_t Value(wchar_t c) { return static_cast<char32_t>(c); }
+
+char32_t Join(char32_t high, char32_t low) { return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00); }
+
+size_t WideLength(const wchar_t* text, size_t length) {
+  return length == static_cast<size_t>(-1) ? std::wcslen(text) : length;
+}
+
+char* PutUnit(char* out, char32_t unit) {
+  out[0] = static_cast<char>(unit & 0xFF);
+  out[1] = static_cast<char>((unit >> 8) & 0xFF);
+  return out + 2;
+}
+
+void PutUtf8(std::string& out, char32_t c) {
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+  } else if (c < 0x800) {
+    out += static_cast<char>(0xC0 | (c >> 6));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    out += static_cast<char>(0xE0 | (c >> 12));
+    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  } else {
+    out += static_cast<char>((0xF0 | (c >> 18)) & 0xFF);
+    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  }
+}
+
+// Hands each decoded character to put until the input ends or put returns
+// false.
+template <class Put>
+void DecodeUtf16le(const unsigned char* b, size_t size, unsigned flags, Put put) {
+  const size_t units = size / 2;
+  for (size_t i = 0; i < units; ++i) {
+    char32_t u = b[2 * i] | (static_cast<char32_t>(b[2 * i + 1]) << 8);
+    if (u == 0 && (flags & QN_UTF_STOP_AT_ZERO)) return;
+    if (!kWide16 && IsSurrogate(u)) {
+      if (IsHigh(u) && i + 1 < units) {
+        const char32_t low = b[2 * i + 2] | (static_cast<char32_t>(b[2 * i + 3]) << 8);
+        if (IsLow(low)) {
+          u = Join(u, low);
+          ++i;
+        }
+      }
+      if (IsSurrogate(u) && (flags & QN_UTF_REPLACE_INVALID)) u = kReplacement;
+    }
+    if (!put(static_cast<wchar_t>(u))) return;
+  }
+}
+
+}  // namespace
+
+std::string qn_wide_to_utf16le(const wchar_t* text, size_t length, unsigned flags) {
+  std::string out;
+  if (!text) return out;
+  const size_t n = WideLength(text, length);
+  // Sized once and written through a pointer: this sits on the paths of
+  // stored records and log pieces.
+  size_t units = n;
+  if (!kWide16) {
+    for (size_t i = 0; i < n; ++i) {
+      const char32_t c = Value(text[i]);
+      if (c > 0xFFFF && c <= 0x10FFFF) ++units;
+    }
+  }
+  out.resize(2 * units);
+  char* p = &out[0];
+  for (size_t i = 0; i < n; ++i) {
+    char32_t c = Value(text[i]);
+    if (!kWide16) {
+      if (c > 0x10FFFF || (IsSurrogate(c) && (flags & QN_UTF_REPLACE_INVALID))) {
+        c = kReplacement;
+      } else if (c > 0xFFFF) {
+        p = PutUnit(p, 0xD800 | ((c - 0x10000) >> 10));
+        p = PutUnit(p, 0xDC00 | ((c - 0x10000) & 0x3FF));
+        continue;
+      }
+    }
+    p = PutUnit(p, c);
+  }
+  return out;
+}
+
+std::wstring qn_utf16le_to_wide(const void* bytes, size_t size, unsigned flags) {
+  std::wstring out;
+  if (!bytes) return out;
+  out.reserve(size / 2);
+  DecodeUtf16le(static_cast<const unsigned char*>(bytes), size, flags, [&out](wchar_t c) {
+    out += c;
+    return true;
+  });
+  return out;
+}
+
+size_t qn_utf16le_to_wide(const void* bytes, size_t size, wchar_t* out, size_t outChars, unsigned flags) {
+  if (!out || outChars == 0) return 0;
+  size_t n = 0;
+  if (bytes) {
+    DecodeUtf16le(static_cast<const unsigned char*>(bytes), size, flags, [&](wchar_t c) {
+      if (n + 1 >= outChars) return false;
+      out[n++] = c;
+      return true;
+    });
+  }
+  out[n] = 0;
+  return n;
+}
+
+std::string qn_wide_to_utf8(const wchar_t* text, size_t length, unsigned flags) {
+  std::string out;
+  if (!text) return out;
+  const size_t n = WideLength(text, length);
+  out.reserve(n);
+  for (size_t i = 0; i < n; ++i) {
+    char32_t c = Value(text[i]);
+    if (kWide16 && IsHigh(c) && i + 1 < n && IsLow(Value(text[i + 1]))) {
+      c = Join(c, Value(text[++i]));
+    } else if ((IsSurrogate(c) || c > 0x10FFFF) && (flags & QN_UTF_REPLACE_INVALID)) {
+      c = kReplacement;
+    }
+    PutUtf8(out, c);
+  }
+  return out;
+}
+
+std::wstring qn_utf8_to_wide(const char* text, size_t length) {
+  std::wstring out;
+  if (!text) return out;
+  const unsigned char* s = reinterpret_cast<const unsigned char*>(text);
+  const size_t n = length == static_cast<size_t>(-1) ? std::char_traits<char>::length(text) : length;
+  out.reserve(n);
+  for (size_t i = 0; i < n;) {
+    const char32_t c = s[i];
+    const int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : 0;
+    bool complete = extra > 0 && i + extra < n;
+    for (int k = 1; complete && k <= extra; ++k) complete = (s[i + k] & 0xC0) == 0x80;
+    if (!complete) {
+      out += static_cast<wchar_t>(c);
+      ++i;
+      continue;
+    }
+    char32_t cp = c & (0x3Fu >> extra);
+    for (int k = 1; k <= extra; ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
+    i += 1 + extra;
+    if (kWide16 && cp > 0xFFFF) {
+      if (cp > 0x10FFFF) {
+        out += static_cast<wchar_t>(kReplacement);
+      } else {
+        out += static_cast<wchar_t>(0xD800 | ((cp - 0x10000) >> 10));
+        out += static_cast<wchar_t>(0xDC00 | ((cp - 0x10000) & 0x3FF));
+      }
+    } else {
+      out += static_cast<wchar_t>(cp);
+    }
+  }
+  return out;
+}

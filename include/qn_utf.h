@@ -1,0 +1,58 @@
+// Unicode conversions that give the same bytes on every target. wchar_t
+// holds UTF-16 on Windows and UTF-32 on Linux, while the files and registry
+// values both targets share are UTF-16LE and the paths handed to portable
+// libraries are UTF-8; these functions go by the width of wchar_t, not by
+// platform.
+//
+// Where wchar_t holds UTF-16, its units pass to and from UTF-16LE as they
+// are, unpaired halves included, whatever the flags. Wide lengths count
+// wchar_t elements; the default length means "up to the first zero".
+// Functions returning a standard string throw std::bad_alloc when memory
+// runs out, as the string itself would.
+#ifndef QUILTOOL_QN_UTF_H
+#define QUILTOOL_QN_UTF_H
+
+#include <cstddef>
+#include <string>
+
+#include "quiltool_export.h"
+
+enum qn_utf_flags : unsigned {
+  // Decoding UTF-16LE ends at the first zero unit, which is left out.
+  QN_UTF_STOP_AT_ZERO = 0x1,
+  // Code values that are no character become U+FFFD: unpaired surrogates,
+  // and values beyond U+10FFFF that a 32-bit wchar_t can hold. Without it
+  // they are carried over as they are, so that any UTF-16 text, well-formed
+  // or not, goes to wide text (and on to UTF-8) and back unchanged.
+  QN_UTF_REPLACE_INVALID = 0x2,
+};
+
+// Wide text as UTF-16LE bytes, characters beyond the BMP as surrogate pairs.
+// A value beyond U+10FFFF has no UTF-16 form and always becomes U+FFFD.
+QT_API std::string qn_wide_to_utf16le(const wchar_t* text, size_t length = static_cast<size_t>(-1),
+                                      unsigned flags = 0);
+
+// UTF-16LE bytes as wide text; an odd trailing byte is dropped. Where
+// wchar_t is 32 bits wide, surrogate pairs become one character.
+QT_API std::wstring qn_utf16le_to_wide(const void* bytes, size_t size, unsigned flags = 0);
+// The same into a caller's buffer: at most outChars - 1 characters and a
+// terminating zero (nothing at all when outChars is 0). Where wchar_t is 16
+// bits wide a full buffer may end between the two halves of a pair.
+// Allocates nothing; returns the number of characters written before the
+// terminator.
+QT_API size_t qn_utf16le_to_wide(const void* bytes, size_t size, wchar_t* out, size_t outChars,
+                                 unsigned flags = 0);
+
+// Wide text as UTF-8. Without QN_UTF_REPLACE_INVALID an unpaired surrogate
+// takes its three-byte form and a value beyond U+10FFFF the four-byte
+// pattern (which holds 21 bits; higher bits are lost).
+QT_API std::string qn_wide_to_utf8(const wchar_t* text, size_t length = static_cast<size_t>(-1),
+                                   unsigned flags = 0);
+// UTF-8 as wide text. Forgiving: a byte that starts no complete sequence
+// (a lead byte and its 10xxxxxx continuation bytes) stands for the
+// character of the same value, as in Latin-1, and decoded values are not
+// checked further. Where wchar_t is 16 bits wide, characters beyond the BMP
+// become surrogate pairs and values beyond U+10FFFF become U+FFFD.
+QT_API std::wstring qn_utf8_to_wide(const char* text, size_t length = static_cast<size_t>(-1));
+
+#endif
