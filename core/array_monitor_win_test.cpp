@@ -6,6 +6,7 @@
 
 #include "core/array_monitor.h"
 #include "gwarray.h"
+#include "qt_test_win.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ std::wstring ShownLine(HWND monitor) {
 TEST(ArrayMonitorWindow, IsARealToolWindowShowingTheCount) {
   HWND monitor = gwarray_debugwnd_create(nullptr, 40, 60);
   ASSERT_NE(nullptr, monitor);
-  EXPECT_EQ(monitor, FindWindowW(L"GWADEBWND", L"Gwarray - Debug monitor"));
+  EXPECT_EQ(monitor, qt_test::FindOwnWindow(L"GWADEBWND", L"Gwarray - Debug monitor"));
   EXPECT_TRUE(GetWindowLongPtrW(monitor, GWL_EXSTYLE) & WS_EX_TOOLWINDOW);
   RECT r;
   GetWindowRect(monitor, &r);
@@ -41,13 +42,13 @@ TEST(ArrayMonitorWindow, IsARealToolWindowShowingTheCount) {
   // Closed by the user (or anyone): the count stands still from then on.
   DestroyWindow(monitor);
   EXPECT_EQ(nullptr, qt_array_monitor_window());
-  EXPECT_EQ(nullptr, FindWindowW(L"GWADEBWND", L"Gwarray - Debug monitor"));
+  EXPECT_EQ(nullptr, qt_test::FindOwnWindow(L"GWADEBWND", L"Gwarray - Debug monitor"));
   gwWszarray_release(&b);
   EXPECT_EQ(start + 1, qt_array_monitor_count());
 
   // Another module may open it under its own instance.
   HWND again = gwarray_debugwnd_create(GetModuleHandleW(nullptr), 0, 0);
   ASSERT_NE(nullptr, again);
-  EXPECT_EQ(again, FindWindowW(L"GWADEBWND", L"Gwarray - Debug monitor"));
+  EXPECT_EQ(again, qt_test::FindOwnWindow(L"GWADEBWND", L"Gwarray - Debug monitor"));
   DestroyWindow(again);
 }

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "gwframe.h"
+#include "qt_test_win.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ struct SeenBox {
 std::thread PressWhenShown(const wchar_t* caption, int button, SeenBox* seen) {
   return std::thread([=] {
     for (int i = 0; i < 300 && !seen->found; ++i) {
-      HWND box = FindWindowW(L"#32770", caption);
+      HWND box = qt_test::FindOwnWindow(L"#32770", caption);
       if (!box) {
         Sleep(50);
         continue;
