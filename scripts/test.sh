@@ -138,7 +138,11 @@ lane_windows() {
   xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
     wineboot -i >/dev/null 2>&1
     wineserver -p
-    exec "$@"' _ "$root/scripts/test-windows-inner.sh" "$dir" "$jobs" "$run_tmp" "$root"
+    "$@"
+    rc=$?
+    # Wine leaves X before the X server goes, or its desktop process complains.
+    wineserver -k 2>/dev/null
+    exit $rc' _ "$root/scripts/test-windows-inner.sh" "$dir" "$jobs" "$run_tmp" "$root"
   local inner=$?
   wineserver -k 2>/dev/null || true
   local log="$run_tmp/ctest-windows.log"
@@ -158,7 +162,7 @@ lane_windows() {
   if cmake --install "$dir" >/dev/null && check_consumer windows "$run_tmp/prefix-windows" \
        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" &&
      cp "$run_tmp/prefix-windows/bin/quiltool.dll" "$run_tmp/consumer-build-windows/" &&
-     xvfb-run -a wine "$run_tmp/consumer-build-windows/consumer.exe"; then
+     xvfb-run -a bash -c 'wine "$1"; rc=$?; wineserver -k 2>/dev/null; exit $rc' _ "$run_tmp/consumer-build-windows/consumer.exe"; then
     passed[windows]=$(( ${passed[windows]} + 1 ))
     echo "windows: installed package builds and runs a consumer under Wine"
   else
