@@ -38,10 +38,8 @@ bool AttAfter(const char* rec, short after, AttView* a) {
 
 // Inserts a value after checking it against the record's set.
 short Insert(short hfile, char** rec, short att, const void* data, size_t size, short wantType) {
-  const File* f = FindFile(hfile);
-  if (!f) return QBERR_BADHANDLE;
-  const Dictionary* d = DictOf(f);
-  if (!d) return QBERR_NOTOPEN;
+  const Dictionary* d = nullptr;
+  if (const short open = DictionaryOf(hfile, &d)) return open;
   if (!rec) return QBERR_BADARG;
   short s = CheckRec(*rec);
   if (s != QB_OK) return s;

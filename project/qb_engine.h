@@ -75,6 +75,14 @@ short LastError(short hfile);
 // for creating it.
 const Dictionary* DictOf(const File* f);
 
+// The dictionary of an open file: QB_OK, or why there is none
+// (QBERR_BADHANDLE, QBERR_NOTOPEN).
+inline short DictionaryOf(short hfile, const Dictionary** d) {
+  const File* f = FindFile(hfile);
+  *d = f ? DictOf(f) : nullptr;
+  return !f ? QBERR_BADHANDLE : !*d ? QBERR_NOTOPEN : QB_OK;
+}
+
 // An object id from a caller's buffer: the bytes up to the first zero, at
 // most idLength of them; QBERR_BADID when empty, too long or not text.
 short ReadId(const void* id, short idLength, std::string_view* out);

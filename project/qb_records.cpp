@@ -402,10 +402,8 @@ short qbgetID(short hfile, const char* set, const char* rec, void* id) {
 
 short qbsetID(short hfile, char* rec, const char* set, const void* id) {
   return Guarded(hfile, [&]() -> short {
-    const File* f = FindFile(hfile);
-    if (!f) return QBERR_BADHANDLE;
-    const Dictionary* d = DictOf(f);
-    if (!d) return QBERR_NOTOPEN;
+    const Dictionary* d = nullptr;
+    if (const short open = DictionaryOf(hfile, &d)) return open;
     short s = CheckRec(rec);
     if (s != QB_OK) return s;
     const std::string name = set ? std::string(set) : std::string(RecSet(rec));
@@ -431,10 +429,8 @@ short qbgetsetname(const char* rec, char* set) {
 
 short qbgetowner(short hfile, const char* rec, void* ownerId) {
   return Guarded(hfile, [&]() -> short {
-    const File* f = FindFile(hfile);
-    const Dictionary* d = f ? DictOf(f) : nullptr;
-    if (!f) return QBERR_BADHANDLE;
-    if (!d) return QBERR_NOTOPEN;
+    const Dictionary* d = nullptr;
+    if (const short open = DictionaryOf(hfile, &d)) return open;
     short s = CheckRec(rec);
     if (s == QB_OK && !ownerId) s = QBERR_BADARG;
     if (s == QB_OK && d->Find(RecSet(rec)) < 0) s = QBERR_NOSET;
@@ -449,10 +445,8 @@ short qbgetowner(short hfile, const char* rec, void* ownerId) {
 
 short qbobjIDtosz(short hfile, const void* id, char* text) {
   return Guarded(hfile, [&]() -> short {
-    const File* f = FindFile(hfile);
-    const Dictionary* d = f ? DictOf(f) : nullptr;
-    if (!f) return QBERR_BADHANDLE;
-    if (!d) return QBERR_NOTOPEN;
+    const Dictionary* d = nullptr;
+    if (const short open = DictionaryOf(hfile, &d)) return open;
     if (!text) return QBERR_BADARG;
     std::string_view key;
     const short s = ReadId(id, d->idLength, &key);
@@ -465,10 +459,8 @@ short qbobjIDtosz(short hfile, const void* id, char* text) {
 
 short qbobjIDfromsz(short hfile, void* id, const char* text) {
   return Guarded(hfile, [&]() -> short {
-    const File* f = FindFile(hfile);
-    const Dictionary* d = f ? DictOf(f) : nullptr;
-    if (!f) return QBERR_BADHANDLE;
-    if (!d) return QBERR_NOTOPEN;
+    const Dictionary* d = nullptr;
+    if (const short open = DictionaryOf(hfile, &d)) return open;
     if (!id) return QBERR_BADARG;
     std::string_view key;
     const short s = ReadId(text, d->idLength, &key);
