@@ -2,7 +2,12 @@
 //   db info FILE                                 sets, record counts, size
 //   db dump FILE [--set S] [--format text|json]  records with ids, owners, attributes
 //   db check FILE                                storage and dictionary consistency
+// Every verb takes --wait SECONDS: how long to wait for a file that another
+// process is writing. Text is printed as UTF-8; JSON output always parses:
+// numbers that are not finite are written as null.
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -10,6 +15,9 @@
 #include <vector>
 
 #include "command.h"
+#include "console_text.h"
+#include "file_problem.h"
+#include "file_problem_platform.h"
 #include "qb.h"
 #include "qn_utf.h"
 #include "ustr.h"
@@ -37,13 +45,14 @@ std::string Utf16ToUtf8(const unsigned char* p, size_t size) {
   return qn_wide_to_utf8(wide.data(), wide.size(), QN_UTF_REPLACE_INVALID);
 }
 
+// text must be UTF-8 already.
 std::string Quoted(const std::string& text) {
   std::string out = "\"";
   for (unsigned char c : text) {
     if (c == '"' || c == '\\') {
       out += '\\';
       out += static_cast<char>(c);
-    } else if (c < 0x20) {
+    } else if (c < 0x20 || c == 0x7F) {
       char esc[8];
       std::snprintf(esc, sizeof esc, "\\u%04x", c);
       out += esc;
@@ -78,6 +87,8 @@ std::string Value(short type, const unsigned char* p, short size, bool json) {
       if (size == 8) {
         double v;
         std::memcpy(&v, p, 8);
+        // JSON has no words for these; null keeps the document valid.
+        if (json && !std::isfinite(v)) return "null";
         char text[32];
         std::snprintf(text, sizeof text, "%.17g", v);
         return text;
@@ -87,7 +98,7 @@ std::string Value(short type, const unsigned char* p, short size, bool json) {
       return Quoted(Utf16ToUtf8(p, static_cast<size_t>(size)));
     case QB_ATT_SZ:
     case QB_ATT_ID:
-      return Quoted(std::string(reinterpret_cast<const char*>(p), static_cast<size_t>(size)));
+      return Quoted(qt_tool::EightBitToUtf8(std::string(reinterpret_cast<const char*>(p), static_cast<size_t>(size))));
     default:
       break;
   }
@@ -100,13 +111,38 @@ class Database {
     if (h_ >= 0) qbreleasefile(h_);
   }
 
-  bool Open(const std::string& file, FILE* err) {
+  bool Open(const std::string& file, long waitMs, FILE* err) {
     file_ = file;
-    const std::wstring wide = qn_ansi_to_wide(file.c_str());
+    const std::wstring wide = qn_utf8_to_wide(file.c_str());
     h_ = qbinitfilew(wide.c_str(), -1);
-    const short s = h_ < 0 ? h_ : qbopenfile(h_, QB_MODE_READ);
+    short s = h_;
+    if (h_ >= 0) {
+      // First without waiting, so that a wait is never a silent one.
+      qbsettimeout(h_, 0);
+      s = qbopenfile(h_, QB_MODE_READ);
+      if (s == QBERR_BUSY && waitMs > 0) {
+        std::fprintf(err, "quiltool db: %s is being written by %s; waiting up to %ld s\n", file.c_str(),
+                     Holder(file).c_str(), (waitMs + 999) / 1000);
+        std::fflush(err);
+        qbsettimeout(h_, waitMs);
+        s = qbopenfile(h_, QB_MODE_READ);
+      }
+      qbsettimeout(h_, waitMs);
+    }
+    if (s == QBERR_BUSY) {
+      std::fprintf(err, "quiltool db: cannot open %s: it is still being written by %s\n", file.c_str(),
+                   Holder(file).c_str());
+      return false;
+    }
     if (s != QB_OK) {
-      std::fprintf(err, "quiltool db: cannot open %s: %s (%d)\n", file.c_str(), qbstatustext(s), s);
+      // The engine tells a file it cannot open from one that is not its
+      // own only by the status; the system knows why it could not open it.
+      const qt_tool::FileProblem problem = qt_tool::DiagnoseFile(file);
+      if (problem != qt_tool::FileProblem::None) {
+        std::fprintf(err, "quiltool db: cannot open %s: %s\n", file.c_str(), qt_tool::FileProblemText(problem));
+      } else {
+        std::fprintf(err, "quiltool db: cannot open %s: %s (%d)\n", file.c_str(), qbstatustext(s), s);
+      }
       return false;
     }
     const short ddq = qbgetddq(h_);
@@ -121,6 +157,11 @@ class Database {
       sets_.push_back(set);
     }
     return true;
+  }
+
+  static std::string Holder(const std::string& file) {
+    const long pid = qt::fileproblem::platform::DatabaseLockHolder(file);
+    return pid > 0 ? "process " + std::to_string(pid) : std::string("another process");
   }
 
   short handle() const { return h_; }
@@ -142,7 +183,7 @@ class Database {
 
 int Info(Database& db, FILE* out, FILE* err) {
   std::error_code ec;
-  const auto size = std::filesystem::file_size(std::filesystem::path(db.file()), ec);
+  const auto size = std::filesystem::file_size(std::filesystem::u8path(db.file()), ec);
   qbbeginquickread(db.handle());
   const long total = qbgetnrecs(db.handle());
   std::fprintf(out, "file: %s\n", db.file().c_str());
@@ -155,7 +196,7 @@ int Info(Database& db, FILE* out, FILE* err) {
     long n = -1;
     if (qbsetfilter(db.handle(), QB_FILTER_SET, s.info.name, nullptr, 0) == QB_OK) n = qbgetnrecs(db.handle());
     ok = ok && n >= 0;
-    std::fprintf(out, "  %-20s %8ld records %4d attributes", s.info.name, n, s.info.nAtts);
+    std::fprintf(out, "  %-20s %8ld records %4d attributes", qt_tool::EightBitToUtf8(s.info.name).c_str(), n, s.info.nAtts);
     if (s.info.owner[0]) std::fprintf(out, "  owner %s (attribute %d)", s.info.owner, s.info.ownerAtt);
     std::fprintf(out, "\n");
   }
@@ -177,12 +218,14 @@ void DumpRecord(Database& db, char* rec, bool json, bool first, FILE* out) {
   long ahm = 0;
   qbgetahm(h, rec, &ahm);
   const SetDecl* decl = db.Find(set);
+  const std::string setText = qt_tool::EightBitToUtf8(set), idText = qt_tool::EightBitToUtf8(id);
+  const std::string ownerText = hasOwner ? qt_tool::EightBitToUtf8(owner) : std::string();
   if (json) {
     std::fprintf(out, "%s\n  {\"set\": %s, \"id\": %s, \"owner\": %s, \"attached\": %ld, \"attributes\": [", first ? "" : ",",
-                 Quoted(set).c_str(), Quoted(id).c_str(), hasOwner ? Quoted(owner).c_str() : "null", ahm);
+                 Quoted(setText).c_str(), Quoted(idText).c_str(), hasOwner ? Quoted(ownerText).c_str() : "null", ahm);
   } else {
-    std::fprintf(out, "%s %s", set, id);
-    if (hasOwner) std::fprintf(out, " owner %s", owner);
+    std::fprintf(out, "%s %s", setText.c_str(), idText.c_str());
+    if (hasOwner) std::fprintf(out, " owner %s", ownerText.c_str());
     if (ahm) std::fprintf(out, " attached %ld bytes", ahm);
     std::fprintf(out, "\n");
   }
@@ -200,7 +243,7 @@ void DumpRecord(Database& db, char* rec, bool json, bool first, FILE* out) {
     const std::string value = Value(a.type, buffer, size, json);
     if (json) {
       std::fprintf(out, "%s{\"number\": %d, \"name\": %s, \"type\": \"%s\", \"value\": %s}", firstAtt ? "" : ", ", att,
-                   Quoted(a.name).c_str(), TypeName(a.type), value.c_str());
+                   Quoted(qt_tool::EightBitToUtf8(a.name)).c_str(), TypeName(a.type), value.c_str());
     } else {
       std::fprintf(out, "  %d %s = %s\n", att, a.name.empty() ? "?" : a.name.c_str(), value.c_str());
     }
@@ -212,7 +255,8 @@ void DumpRecord(Database& db, char* rec, bool json, bool first, FILE* out) {
 int Dump(Database& db, const std::string& set, bool json, FILE* out, FILE* err) {
   const short h = db.handle();
   if (!set.empty()) {
-    const short s = qbsetfilter(h, QB_FILTER_SET, set.c_str(), nullptr, 0);
+    const std::string engineSet = qn_wide_to_ansi(qn_utf8_to_wide(set.c_str()).c_str());
+    const short s = qbsetfilter(h, QB_FILTER_SET, engineSet.c_str(), nullptr, 0);
     if (s != QB_OK) {
       std::fprintf(err, "quiltool db dump: set %s: %s\n", set.c_str(), qbstatustext(s));
       return 1;
@@ -256,35 +300,48 @@ int Check(Database& db, FILE* out, FILE* err) {
   return 0;
 }
 
-int Usage(FILE* err) {
-  std::fprintf(err,
-               "usage: quiltool db info FILE\n"
-               "       quiltool db dump FILE [--set SET] [--format text|json]\n"
-               "       quiltool db check FILE\n");
+const char kUsage[] =
+    "usage: quiltool db info FILE [--wait SECONDS]\n"
+    "       quiltool db dump FILE [--set SET] [--format text|json] [--wait SECONDS]\n"
+    "       quiltool db check FILE [--wait SECONDS]\n"
+    "--wait: how long to wait for a file another process is writing (default 30)\n";
+
+int Usage(FILE* err, const std::string& problem) {
+  std::fprintf(err, "quiltool db: %s\n%s", problem.c_str(), kUsage);
   return 2;
 }
 
 int DbMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
-  if (args.size() < 2) return Usage(err);
-  const std::string& verb = args[0];
-  std::string set;
-  bool json = false;
-  for (size_t i = 2; i < args.size(); ++i) {
-    if (verb == "dump" && args[i] == "--set" && i + 1 < args.size()) {
-      set = args[++i];
-    } else if (verb == "dump" && args[i] == "--format" && i + 1 < args.size()) {
-      const std::string& f = args[++i];
-      if (f != "text" && f != "json") return Usage(err);
-      json = f == "json";
-    } else {
-      return Usage(err);
-    }
+  if (!args.empty() && (qt_tool::IsHelp(args[0]) || args[0] == "help")) {
+    std::fprintf(out, "%s", kUsage);
+    return 0;
   }
-  if (verb != "info" && verb != "dump" && verb != "check") return Usage(err);
+  if (args.empty()) return Usage(err, "which action?");
+  const std::string& verb = args[0];
+  std::vector<qt_tool::OptionSpec> specs = {{"--wait", true}};
+  if (verb == "dump") {
+    specs.push_back({"--set", true});
+    specs.push_back({"--format", true});
+  }
+  qt_tool::ParsedArgs a;
+  const int code = qt_tool::ParseOptions(args, 1, specs, "quiltool db", kUsage, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
+  if (verb != "info" && verb != "dump" && verb != "check") return Usage(err, "unknown action '" + verb + "'");
+  if (a.plain.size() != 1 || a.plain[0].empty()) return Usage(err, "give exactly one FILE");
+  const std::string format = a.value("--format", "text");
+  if (format != "text" && format != "json") return Usage(err, "unknown format '" + format + "' (text or json)");
+  long waitMs = 30000;
+  if (a.has("--wait")) {
+    const std::string w = a.value("--wait");
+    char* end = nullptr;
+    const long seconds = std::strtol(w.c_str(), &end, 10);
+    if (w.empty() || *end || seconds < 0 || seconds > 86400) return Usage(err, "--wait takes whole seconds, 0 to 86400");
+    waitMs = seconds * 1000;
+  }
   Database db;
-  if (!db.Open(args[1], err)) return 1;
+  if (!db.Open(a.plain[0], waitMs, err)) return 1;
   if (verb == "info") return Info(db, out, err);
-  if (verb == "dump") return Dump(db, set, json, out, err);
+  if (verb == "dump") return Dump(db, a.value("--set"), format == "json", out, err);
   return Check(db, out, err);
 }
 

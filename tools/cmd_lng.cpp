@@ -12,6 +12,7 @@
 #include "Lng.h"
 #include "cmd_lng_exchange.h"
 #include "command.h"
+#include "file_problem.h"
 #include "gwframe.h"
 #include "settings/lng_apptable.h"
 #include "settings/qlg_reader.h"
@@ -33,36 +34,18 @@ const char kUsage[] =
     "The definition file is QuilQlg.ddq beside the .qlg file unless --ddq names one;\n"
     "lookup and check default to the folder of the QuilTool library.\n";
 
-// Options and plain arguments of a subcommand line.
-struct Args {
-  std::map<std::string, std::string> options;
-  std::vector<std::string> plain;
-};
+using Args = qt_tool::ParsedArgs;
 
-bool ParseArgs(const std::vector<std::string>& args, size_t from, const std::set<std::string>& known, Args* out,
-               FILE* err) {
-  for (size_t i = from; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a.size() > 1 && a[0] == '-' && !(a[1] >= '0' && a[1] <= '9')) {
-      if (!known.count(a)) {
-        std::fprintf(err, "quiltool lng: unknown option %s\n%s", a.c_str(), kUsage);
-        return false;
-      }
-      if (i + 1 >= args.size()) {
-        std::fprintf(err, "quiltool lng: %s needs a value\n", a.c_str());
-        return false;
-      }
-      out->options[a] = args[++i];
-    } else {
-      out->plain.push_back(a);
-    }
-  }
-  return true;
+// Every option of lng takes a value.
+int ParseArgs(const std::vector<std::string>& args, const std::vector<const char*>& known, Args* parsed, FILE* out,
+              FILE* err) {
+  std::vector<qt_tool::OptionSpec> specs;
+  for (const char* name : known) specs.push_back({name, true});
+  return qt_tool::ParseOptions(args, 1, specs, "quiltool lng", kUsage, parsed, out, err);
 }
 
 std::string Option(const Args& a, const char* name, const std::string& fallback = std::string()) {
-  auto it = a.options.find(name);
-  return it == a.options.end() ? fallback : it->second;
+  return a.value(name, fallback);
 }
 
 // A code such as "de_DE" or "de-AT" is taken as "de" when only that is known.
@@ -84,7 +67,8 @@ bool LoadBoth(const Args& a, const std::string& qlgPath, Definition* def, Docume
 
 int Export(const std::vector<std::string>& args, FILE* out, FILE* err) {
   Args a;
-  if (!ParseArgs(args, 1, {"--lang", "--format", "--ddq", "-o"}, &a, err)) return 2;
+  const int code = ParseArgs(args, {"--lang", "--format", "--ddq", "-o"}, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
   if (a.plain.size() != 1 || Option(a, "--lang").empty()) {
     std::fprintf(err, "quiltool lng export: needs --lang and one .qlg file\n%s", kUsage);
     return 2;
@@ -137,7 +121,8 @@ bool LooksLikeXml(const std::string& bytes) {
 
 int Import(const std::vector<std::string>& args, FILE* out, FILE* err) {
   Args a;
-  if (!ParseArgs(args, 1, {"--lang", "--ddq"}, &a, err)) return 2;
+  const int code = ParseArgs(args, {"--lang", "--ddq"}, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
   if (a.plain.size() != 2) {
     std::fprintf(err, "quiltool lng import: needs the .qlg file and the translation file\n%s", kUsage);
     return 2;
@@ -150,7 +135,7 @@ int Import(const std::vector<std::string>& args, FILE* out, FILE* err) {
 
   std::string bytes, error;
   if (!qt_lng::ReadFile(exchangePath, &bytes)) {
-    std::fprintf(err, "%s: cannot read the file\n", exchangePath.c_str());
+    std::fprintf(err, "%s\n", qt_tool::CannotRead(exchangePath).c_str());
     return 1;
   }
   qt_lng::Exchange ex;
@@ -159,6 +144,16 @@ int Import(const std::vector<std::string>& args, FILE* out, FILE* err) {
   if (!ok) {
     std::fprintf(err, "%s\n", error.c_str());
     return 1;
+  }
+  // A file translated into one language never goes in as another.
+  if (!Option(a, "--lang").empty() && !ex.language.empty()) {
+    const Language* named = FindLanguage(def, Option(a, "--lang"));
+    const Language* inFile = FindLanguage(def, ex.language);
+    if (named && (!inFile || inFile->id != named->id)) {
+      std::fprintf(err, "%s: the file is a translation into %s, not %s; nothing was imported\n", exchangePath.c_str(),
+                   ex.language.c_str(), Option(a, "--lang").c_str());
+      return 1;
+    }
   }
   const std::string langArg = Option(a, "--lang", ex.language);
   if (langArg.empty()) {
@@ -262,7 +257,8 @@ int FindRow(const std::string& module) {
 
 int Lookup(const std::vector<std::string>& args, FILE* out, FILE* err) {
   Args a;
-  if (!ParseArgs(args, 1, {"--dir"}, &a, err)) return 2;
+  const int code = ParseArgs(args, {"--dir"}, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
   if (a.plain.size() != 3) {
     std::fprintf(err, "quiltool lng lookup: needs module, text id and language\n%s", kUsage);
     return 2;
@@ -280,7 +276,7 @@ int Lookup(const std::vector<std::string>& args, FILE* out, FILE* err) {
   }
   const std::string folder = Option(a, "--dir", qt_lng::LibraryFolder());
   const std::string ddqPath = qt_lng::JoinPath(folder, "QuilQlg.ddq");
-  const std::string qlgPath = qt_lng::JoinPath(folder, qn_wide_to_ansi(qt::kAppTable[row].languageFile));
+  const std::string qlgPath = qt_lng::JoinPath(folder, qt::qlg::WideToUtf8(qt::kAppTable[row].languageFile));
   Definition def;
   std::string error;
   if (!qt_lng::LoadDefinition(ddqPath, &def, &error)) {
@@ -294,7 +290,7 @@ int Lookup(const std::vector<std::string>& args, FILE* out, FILE* err) {
   }
   // Through the library's own reader, so the answer is what Lng::text sees.
   CQlg reader;
-  if (!reader.init(qn_ansi_to_wide(ddqPath.c_str()).c_str(), qn_ansi_to_wide(qlgPath.c_str()).c_str())) {
+  if (!reader.init(qt::qlg::Utf8ToWide(ddqPath).c_str(), qt::qlg::Utf8ToWide(qlgPath).c_str())) {
     std::fprintf(err, "%s\n", reader.lastError().c_str());
     return 1;
   }
@@ -368,13 +364,14 @@ int CheckFile(const std::string& path, const Definition& def, const Language* on
 
 int Check(const std::vector<std::string>& args, FILE* out, FILE* err) {
   Args a;
-  if (!ParseArgs(args, 1, {"--ddq", "--dir", "--lang"}, &a, err)) return 2;
+  const int code = ParseArgs(args, {"--ddq", "--dir", "--lang"}, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
   std::vector<std::string> files = a.plain;
   const std::string folder = Option(a, "--dir", qt_lng::LibraryFolder());
   if (files.empty()) {
     for (int i = 0; i < qt::kAppRows; ++i) {
       if (!qt::kAppTable[i].languageFile) continue;
-      const std::string path = qt_lng::JoinPath(folder, qn_wide_to_ansi(qt::kAppTable[i].languageFile));
+      const std::string path = qt_lng::JoinPath(folder, qt::qlg::WideToUtf8(qt::kAppTable[i].languageFile));
       std::string bytes;
       if (qt_lng::ReadFile(path, &bytes)) files.push_back(path);
     }
@@ -411,7 +408,7 @@ int LngMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
     if (args[0] == "import") return Import(args, out, err);
     if (args[0] == "lookup") return Lookup(args, out, err);
     if (args[0] == "check") return Check(args, out, err);
-    if (args[0] == "--help" || args[0] == "help") {
+    if (qt_tool::IsHelp(args[0]) || args[0] == "help") {
       std::fprintf(out, "%s", kUsage);
       return 0;
     }

@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "file_problem.h"
 #include "gwframe.h"
+#include "qn_utf.h"
 #include "settings/qlg_file.h"
 #include "settings/qlg_utf8.h"
 
@@ -50,17 +52,17 @@ Entry* Document::find(int id) {
 }
 
 bool ReadFile(const std::string& path, std::string* bytes) {
-  return qt::qlg::ReadWholeFile(qn_ansi_to_wide(path.c_str()).c_str(), bytes);
+  return qt::qlg::ReadWholeFile(qn_utf8_to_wide(path.c_str()).c_str(), bytes);
 }
 
 bool WriteFile(const std::string& path, const std::string& bytes) {
-  return qt::qlg::WriteWholeFile(qn_ansi_to_wide(path.c_str()).c_str(), bytes);
+  return qt::qlg::WriteWholeFile(qn_utf8_to_wide(path.c_str()).c_str(), bytes);
 }
 
 bool LoadDefinition(const std::string& path, qt::qlg::Definition* out, std::string* error) {
   std::string bytes;
   if (!ReadFile(path, &bytes)) {
-    *error = path + ": cannot read the file";
+    *error = qt_tool::CannotRead(path);
     return false;
   }
   qt::qlg::ParseError parseError;
@@ -123,7 +125,7 @@ bool ParseDocument(const std::string& bytes, const std::string& fileName, const 
 bool LoadDocument(const std::string& path, const qt::qlg::Definition& def, Document* out, std::string* error) {
   std::string bytes;
   if (!ReadFile(path, &bytes)) {
-    *error = path + ": cannot read the file";
+    *error = qt_tool::CannotRead(path);
     return false;
   }
   return ParseDocument(bytes, path, def, out, error);
@@ -215,7 +217,7 @@ std::string DefinitionBeside(const std::string& qlgPath) {
 std::string LibraryFolder() {
   ustr folder;
   if (GetModuleDirectory(static_cast<HMODULE>(nullptr), folder) != 0) return std::string();
-  return qn_wide_to_ansi(folder.c_str());
+  return qn_wide_to_utf8(folder.c_str(), static_cast<size_t>(-1), QN_UTF_REPLACE_INVALID);
 }
 
 }  // namespace qt_lng

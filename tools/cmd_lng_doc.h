@@ -38,8 +38,8 @@ struct Document {
   Entry* find(int id);
 };
 
-// Files are named by UTF-8 (Linux) or ANSI (Windows) paths, as the command
-// line gives them.
+// Files are named by UTF-8 paths on every target, as the command line
+// gives them.
 bool ReadFile(const std::string& path, std::string* bytes);
 bool WriteFile(const std::string& path, const std::string& bytes);
 

@@ -10,6 +10,7 @@
 #include "command.h"
 #include "files/lock_inspect.h"
 #include "gwflock.h"
+#include "qn_utf.h"
 #include "ustr.h"
 
 namespace {
@@ -27,16 +28,36 @@ const char kUsageText[] =
     "       quiltool lock take FILE [--user NAME]\n"
     "       quiltool lock release-stale FILE\n";
 
-std::wstring Wide(const std::string& s) { return qn_ansi_to_wide(s.c_str(), s.size()); }
-std::string Narrow(const std::wstring& s) { return qn_wide_to_ansi(s.c_str(), s.size()); }
+std::wstring Wide(const std::string& s) { return qn_utf8_to_wide(s.c_str(), s.size()); }
+std::string Narrow(const std::wstring& s) { return qn_wide_to_utf8(s.c_str(), s.size(), QN_UTF_REPLACE_INVALID); }
 std::string Narrow(const ustr& s) { return Narrow(s.str()); }
 
-int Usage(FILE* err, const char* problem) {
-  std::fprintf(err, "quiltool lock: %s\n%s", problem, kUsageText);
+int Usage(FILE* err, const std::string& problem) {
+  std::fprintf(err, "quiltool lock: %s\n%s", problem.c_str(), kUsageText);
   return kUsage;
 }
 
 std::string HolderText(const ustr& holder) { return holder.empty() ? "a user who left no name" : Narrow(holder); }
+
+// Who may be asked to remove a lock file: its file-system owner.
+std::string OwnerText(const ustr& lockFile) {
+  const ustr owner = FileSharingServiceManager::GetFileOwner(lockFile.c_str());
+  return owner.empty() ? "its owner" : "account " + Narrow(owner);
+}
+
+// The lock refuses to be taken when a left-behind file cannot be replaced
+// (another account's file in a folder where only owners delete), which the
+// lock reports as held. Asking again whether anybody holds it tells the two
+// apart, so that status, take and release-stale say the same thing.
+bool ReportUnremovableLeftover(const std::wstring& file, const ustr& lockFile, FILE* err) {
+  ustr holder;
+  if (qt_inspect_lock_file(lockFile.c_str(), &holder) != QT_LOCK_FILE_LEFT_BEHIND) return false;
+  std::fprintf(err,
+               "quiltool lock: %s is not locked, but the lock file %s left behind by %s (whose program ended) "
+               "cannot be replaced by this account; ask %s or an administrator to remove it\n",
+               Narrow(file).c_str(), Narrow(lockFile).c_str(), HolderText(holder).c_str(), OwnerText(lockFile).c_str());
+  return true;
+}
 
 int Status(const std::wstring& file, FILE* out, FILE* err) {
   const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
@@ -48,6 +69,13 @@ int Status(const std::wstring& file, FILE* out, FILE* err) {
       std::fprintf(out, "%s: not locked\n", name.c_str());
       return kOk;
     case QT_LOCK_FILE_LEFT_BEHIND:
+      if (!qt_tool::lockwait::MayReplace(lockFile.str())) {
+        std::fprintf(out,
+                     "%s: not locked; the lock file %s was left behind by %s, whose program ended, and this "
+                     "account cannot replace it; ask %s or an administrator to remove it\n",
+                     name.c_str(), lock.c_str(), HolderText(holder).c_str(), OwnerText(lockFile).c_str());
+        return kOk;
+      }
       std::fprintf(out,
                    "%s: not locked; the lock file %s was left behind by %s, whose program ended "
                    "(quiltool lock release-stale removes it)\n",
@@ -101,6 +129,7 @@ int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* er
   const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), user.c_str(), holder, 0);
   if (result != 0) {
     qt_tool::lockwait::Disarm();
+    if (result == -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
     return ReportLockFailure(result, file, lockFile, holder, err);
   }
   std::fprintf(out, "holding %s as %s (lock file %s); interrupt to release\n", Narrow(file).c_str(),
@@ -129,6 +158,7 @@ int ReleaseStale(const std::wstring& file, FILE* out, FILE* err) {
   wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
   const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), L"", holder, 0);
   if (result != 0) {
+    if (result == -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
     if (result == -2) {
       std::fprintf(err, "quiltool lock: not removed: %s is held by %s, whose program is running\n",
                    Narrow(lockFile).c_str(), HolderText(ustr(holder)).c_str());
@@ -143,30 +173,26 @@ int ReleaseStale(const std::wstring& file, FILE* out, FILE* err) {
 }
 
 int LockMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
+  if (!args.empty() && (qt_tool::IsHelp(args[0]) || args[0] == "help")) {
+    std::fprintf(out, "%s", kUsageText);
+    return kOk;
+  }
   if (args.empty()) return Usage(err, "which action?");
   const std::string& action = args[0];
-  std::vector<std::string> rest(args.begin() + 1, args.end());
-  std::string user;
-  bool userGiven = false;
-  if (action == "take") {
-    for (size_t i = 0; i < rest.size(); ++i) {
-      if (rest[i] != "--user") continue;
-      if (i + 1 >= rest.size()) return Usage(err, "--user needs a name");
-      user = rest[i + 1];
-      userGiven = true;
-      rest.erase(rest.begin() + static_cast<long>(i), rest.begin() + static_cast<long>(i) + 2);
-      break;
-    }
+  std::vector<qt_tool::OptionSpec> specs;
+  if (action == "take") specs.push_back({"--user", true});
+  qt_tool::ParsedArgs a;
+  const int code = qt_tool::ParseOptions(args, 1, specs, "quiltool lock", kUsageText, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
+  if (action != "status" && action != "take" && action != "release-stale") {
+    return Usage(err, "unknown action '" + action + "'");
   }
-  if (rest.size() != 1 || rest[0].empty()) return Usage(err, "give exactly one FILE");
-  const std::wstring file = Wide(rest[0]);
+  if (a.plain.size() != 1 || a.plain[0].empty()) return Usage(err, "give exactly one FILE");
+  const std::wstring file = Wide(a.plain[0]);
   if (action == "status") return Status(file, out, err);
   if (action == "release-stale") return ReleaseStale(file, out, err);
-  if (action == "take") {
-    const std::wstring name = userGiven ? Wide(user) : qt_tool::lockwait::AccountName();
-    return Take(file, name, out, err);
-  }
-  return Usage(err, ("unknown action '" + action + "'").c_str());
+  const std::wstring name = a.has("--user") ? Wide(a.value("--user")) : qt_tool::lockwait::AccountName();
+  return Take(file, name, out, err);
 }
 
 const qt_tool::Registration kLock({"lock", "show, take or clear the lock of a shared project file", LockMain});

@@ -22,6 +22,11 @@ void Disarm();
 // handler's Ctrl+C on Windows. For tests.
 void InterruptSelf();
 
+// Whether this account could replace the left-behind lock file: write it,
+// or delete it from its folder. False for another account's file in a
+// sticky folder, where only owners delete; true when it cannot be told.
+bool MayReplace(const std::wstring& lockFile);
+
 // The account this process runs as; empty when unknown.
 std::wstring AccountName();
 

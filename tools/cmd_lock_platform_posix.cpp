@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "cmd_lock_platform.h"
+#include "qn_utf.h"
 #include "ustr.h"
 
 namespace qt_tool {
@@ -60,6 +62,19 @@ void Disarm() {
 }
 
 void InterruptSelf() { kill(getpid(), SIGINT); }
+
+bool MayReplace(const std::wstring& lockFile) {
+  const std::string path = qn_wide_to_utf8(lockFile.c_str());
+  if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return true;
+  const size_t slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+  struct stat file, dir;
+  if (lstat(path.c_str(), &file) != 0 || stat(folder.c_str(), &dir) != 0) return true;
+  if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
+  if (!(dir.st_mode & S_ISVTX)) return true;
+  const uid_t me = geteuid();
+  return me == 0 || file.st_uid == me || dir.st_uid == me;
+}
 
 std::wstring AccountName() {
   long size = sysconf(_SC_GETPW_R_SIZE_MAX);

@@ -44,6 +44,10 @@ void InterruptSelf() {
   if (thread) CloseHandle(thread);
 }
 
+// A left-behind file is opened anew by whoever takes the lock; its
+// permissions are the folder's, which the lock's own message reports.
+bool MayReplace(const std::wstring&) { return true; }
+
 std::wstring AccountName() {
   wchar_t name[257];
   DWORD size = 257;

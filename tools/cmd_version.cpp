@@ -4,9 +4,16 @@
 
 namespace {
 
+const char kUsage[] =
+    "usage: quiltool version\n"
+    "       quiltool --version\n";
+
 int VersionMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
-  if (!args.empty()) {
-    std::fprintf(err, "quiltool version: takes no arguments\n");
+  qt_tool::ParsedArgs a;
+  const int code = qt_tool::ParseOptions(args, 0, {}, "quiltool version", kUsage, &a, out, err);
+  if (code != qt_tool::kGoOn) return code;
+  if (!a.plain.empty()) {
+    std::fprintf(err, "quiltool version: takes no arguments\n%s", kUsage);
     return 2;
   }
   std::fprintf(out, "%ld\n", quiltool_version_nmb(QUILTOOL_VERSION_NMB));
