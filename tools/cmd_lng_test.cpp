@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "command.h"
@@ -205,3 +207,57 @@ TEST_F(LngTool, LookupAnswersAsTheLibraryReads) {
 }
 
 }  // namespace
+
+TEST_F(LngTool, ImportRefusesATranslationIntoAnotherLanguageThanNamed) {
+  ASSERT_EQ(Lng({"export", "--lang", "fr", "-o", dir_.file("fr.po"), qlg()}).code, 0);
+  std::string po = qt_test::ReadFileBytes(dir_.file("fr.po"));
+  po = replaced(po, "msgid \"File not found\"\nmsgstr \"\"", "msgid \"File not found\"\nmsgstr \"Fichier introuvable\"");
+  ASSERT_TRUE(Write(dir_.file("fr.po"), po));
+  const std::string before = qlgText();
+  for (const char* named : {"de", "de_DE", "1513"}) {
+    SCOPED_TRACE(named);
+    const Result r = Lng({"import", "--lang", named, qlg(), dir_.file("fr.po")});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("a translation into fr, not " + std::string(named)), std::string::npos) << r.err;
+    EXPECT_EQ(qlgText(), before);
+  }
+  // Naming the file's own language, in any of its forms, is fine.
+  const Result r = Lng({"import", "--lang", "fr_FR", qlg(), dir_.file("fr.po")});
+  EXPECT_EQ(r.code, 0) << r.err;
+  EXPECT_NE(qlgText().find("\t1515 \"Fichier introuvable\"\n"), std::string::npos);
+}
+
+TEST_F(LngTool, SaysWhyAFileCannotBeRead) {
+  Result r = Lng({"import", qlg(), dir_.file("missing.po")});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("missing.po: cannot read the file: no such file"), std::string::npos) << r.err;
+  std::filesystem::create_directory(std::filesystem::u8path(dir_.file("folder.qlg")));
+  r = Lng({"check", dir_.file("folder.qlg")});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("folder.qlg: cannot read the file: it is a folder"), std::string::npos) << r.err;
+  r = Lng({"export", "--lang", "de", "--ddq", dir_.file("none.ddq"), qlg()});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("none.ddq: cannot read the file: no such file"), std::string::npos) << r.err;
+}
+
+TEST_F(LngTool, FilesNamedOutsideTheAnsiCodePageAreFound) {
+  const std::string folder = dir_.path() + "/\xe7\xbf\xbb\xe8\xa8\xb3 \xc3\xbc";
+  std::filesystem::create_directory(std::filesystem::u8path(folder));
+  const auto put = [](const std::string& path, const std::string& text) {
+    std::ofstream(std::filesystem::u8path(path), std::ios::binary) << text;
+  };
+  put(folder + "/QuilQlg.ddq", kDefinition);
+  put(folder + "/QNCommon.qlg", kModule);
+  const std::string qlgFile = folder + "/QNCommon.qlg", po = folder + "/\xce\xb4.po";
+  Result r = Lng({"export", "--lang", "fr", "-o", po, qlgFile});
+  ASSERT_EQ(r.code, 0) << r.err;
+  std::ifstream in(std::filesystem::u8path(po), std::ios::binary);
+  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  text = replaced(text, "msgid \"File not found\"\nmsgstr \"\"", "msgid \"File not found\"\nmsgstr \"Fichier\"");
+  put(po, text);
+  r = Lng({"import", qlgFile, po});
+  EXPECT_EQ(r.code, 0) << r.err;
+  EXPECT_NE(r.out.find(qlgFile + ": 1 updated"), std::string::npos) << r.out;
+  r = Lng({"check", qlgFile});
+  EXPECT_EQ(r.code, 0) << r.err;
+}

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -103,4 +104,25 @@ TEST(LockCommand, BadUseMissingFilesAndUnreadableLocks) {
   EXPECT_TRUE(Contains(status.err, "cannot be read")) << status.err;
   EXPECT_EQ(1, Lock({"release-stale", file}).code);
   EXPECT_TRUE(fs::is_directory(fs::u8path(dir.file("plant.lrd"))));
+}
+
+TEST(LockCommand, NamesOutsideTheAnsiCodePageGoThroughUnchanged) {
+  qt_test::TempDir dir;
+  const std::string file = dir.path() + "/Pl\xc3\xa4n \xe6\x97\xa5\xe6\x9c\xac.epj";
+  const std::string user = "\xce\x9c\xce\xb1\xcf\x81\xce\xaf\xce\xb1 \xe7\x94\xb0\xe4\xb8\xad";
+  { std::ofstream(fs::u8path(file)).put('x'); }
+  qt_test::ChildProcess taker;
+  ASSERT_TRUE(taker.start("lock_take", {file, user}));
+  const std::string line = taker.readLine(60000);
+  EXPECT_TRUE(Contains(line, "holding " + file + " as " + user)) << line;
+  EXPECT_TRUE(fs::exists(fs::u8path(dir.path() + "/Pl\xc3\xa4n \xe6\x97\xa5\xe6\x9c\xac.lkh")));
+
+  const Result status = Lock({"status", file});
+  EXPECT_EQ(3, status.code) << status.err;
+  EXPECT_TRUE(Contains(status.out, file + ": locked by " + user)) << status.out;
+  const Result second = Lock({"take", file, "--user", "me"});
+  EXPECT_EQ(3, second.code);
+  EXPECT_TRUE(Contains(second.err, "locked by " + user)) << second.err;
+  taker.writeLine("stop");
+  EXPECT_EQ(0, taker.wait());
 }
