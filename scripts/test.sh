@@ -111,6 +111,14 @@ lane_linux() {
     failed[linux]=$(( ${failed[linux]} + 1 ))
     echo "linux: install or consumer build FAILED" >&2
   fi
+  # The installed program finds the installed library by itself.
+  if env -u LD_LIBRARY_PATH "$run_tmp/prefix-linux/bin/quiltool" --version >/dev/null; then
+    passed[linux]=$(( ${passed[linux]} + 1 ))
+    echo "linux: installed bin/quiltool starts without LD_LIBRARY_PATH"
+  else
+    failed[linux]=$(( ${failed[linux]} + 1 ))
+    echo "linux: installed bin/quiltool does not start FAILED" >&2
+  fi
 }
 
 lane_asan() {
