@@ -87,8 +87,9 @@ std::string Value(short type, const unsigned char* p, short size, bool json) {
       if (size == 8) {
         double v;
         std::memcpy(&v, p, 8);
-        // JSON has no words for these; null keeps the document valid.
-        if (json && !std::isfinite(v)) return "null";
+        // JSON has no words for these; null keeps the document valid. The
+        // text format spells them out, the same on every C runtime.
+        if (!std::isfinite(v)) return json ? "null" : std::isnan(v) ? "nan" : v > 0 ? "inf" : "-inf";
         char text[32];
         std::snprintf(text, sizeof text, "%.17g", v);
         return text;

@@ -106,13 +106,41 @@ TEST(LockCommand, BadUseMissingFilesAndUnreadableLocks) {
   EXPECT_TRUE(fs::is_directory(fs::u8path(dir.file("plant.lrd"))));
 }
 
+// Test children get their arguments through the C runtime's 8-bit argv,
+// which on Windows is the ANSI code page; hex carries any UTF-8 through.
+std::string Hex(const std::string& bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string out;
+  for (unsigned char c : bytes) {
+    out += digits[c >> 4];
+    out += digits[c & 15];
+  }
+  return out;
+}
+
+std::string Unhex(const std::string& hex) {
+  std::string out;
+  for (size_t i = 0; i + 1 < hex.size(); i += 2) out += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+  return out;
+}
+
+// lock_take with hex-encoded arguments.
+QT_TEST_CHILD(lock_take_hex) {
+  std::thread interrupter([] {
+    char line[16];
+    if (std::fgets(line, sizeof line, stdin)) qt_tool::lockwait::InterruptSelf();
+  });
+  interrupter.detach();
+  return qt_tool::Run({"lock", "take", Unhex(args.at(0)), "--user", Unhex(args.at(1))}, stdout, stderr);
+}
+
 TEST(LockCommand, NamesOutsideTheAnsiCodePageGoThroughUnchanged) {
   qt_test::TempDir dir;
   const std::string file = dir.path() + "/Pl\xc3\xa4n \xe6\x97\xa5\xe6\x9c\xac.epj";
   const std::string user = "\xce\x9c\xce\xb1\xcf\x81\xce\xaf\xce\xb1 \xe7\x94\xb0\xe4\xb8\xad";
   { std::ofstream(fs::u8path(file)).put('x'); }
   qt_test::ChildProcess taker;
-  ASSERT_TRUE(taker.start("lock_take", {file, user}));
+  ASSERT_TRUE(taker.start("lock_take_hex", {Hex(file), Hex(user)}));
   const std::string line = taker.readLine(60000);
   EXPECT_TRUE(Contains(line, "holding " + file + " as " + user)) << line;
   EXPECT_TRUE(fs::exists(fs::u8path(dir.path() + "/Pl\xc3\xa4n \xe6\x97\xa5\xe6\x9c\xac.lkh")));
