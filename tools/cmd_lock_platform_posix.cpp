@@ -82,7 +82,7 @@ std::wstring AccountName() {
   struct passwd pw;
   struct passwd* found = nullptr;
   if (getpwuid_r(geteuid(), &pw, buf.data(), buf.size(), &found) != 0 || !found) return std::wstring();
-  return qn_ansi_to_wide(found->pw_name);
+  return qn_utf8_to_wide(found->pw_name);
 }
 
 }  // namespace lockwait
