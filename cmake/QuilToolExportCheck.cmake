@@ -1,0 +1,121 @@
+# Fails when the built library exports a name that include/ does not declare.
+# Every part of an exported name (namespace, class, function) must be a word
+# of the public headers; an internal function, a test hook or a helper
+# namespace of the library then shows at once. Instances of the standard
+# library's templates are not the library's names: the compiler makes them
+# visible on its own, and they are skipped.
+#   cmake -DLIBRARY=<file> -DHEADERS=<include dir> -DFORMAT=elf|pe
+#         [-DNM=nm] [-DOBJDUMP=objdump] [-DCXXFILT=c++filt] -P QuilToolExportCheck.cmake
+
+foreach(var LIBRARY HEADERS FORMAT)
+  if(NOT DEFINED ${var})
+    message(FATAL_ERROR "${var} is not set")
+  endif()
+endforeach()
+if(NOT CXXFILT)
+  set(CXXFILT c++filt)
+endif()
+
+if(FORMAT STREQUAL "elf")
+  if(NOT NM)
+    set(NM nm)
+  endif()
+  execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
+    OUTPUT_VARIABLE table RESULT_VARIABLE rc)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "${NM} failed on ${LIBRARY}")
+  endif()
+  string(REGEX MATCHALL "[0-9a-fA-F]+ [A-Za-z] [^\n]+" rows "${table}")
+  set(mangled)
+  foreach(row IN LISTS rows)
+    # Symbols of the ELF ABI itself, not of the library.
+    if(row MATCHES "^[0-9a-fA-F]+ [A-Za-z] ([^@ ]+)")
+      list(APPEND mangled ${CMAKE_MATCH_1})
+    endif()
+  endforeach()
+elseif(FORMAT STREQUAL "pe")
+  if(NOT OBJDUMP)
+    set(OBJDUMP objdump)
+  endif()
+  execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE table RESULT_VARIABLE rc)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "${OBJDUMP} failed on ${LIBRARY}")
+  endif()
+  # The name pointer table: "\t[   n] +base[  m] 0xhint name".
+  string(REGEX MATCHALL "\\[ *[0-9]+\\] \\+base\\[ *[0-9]+\\] +[0-9a-fA-Fx]+ [^\n]+" rows "${table}")
+  set(mangled)
+  foreach(row IN LISTS rows)
+    if(row MATCHES "\\] +[0-9a-fA-Fx]+ ([^ ]+)$")
+      list(APPEND mangled ${CMAKE_MATCH_1})
+    endif()
+  endforeach()
+else()
+  message(FATAL_ERROR "FORMAT is elf or pe")
+endif()
+
+list(LENGTH mangled count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "no exported symbols found in ${LIBRARY}")
+endif()
+
+string(REPLACE ";" "\n" mangledText "${mangled}")
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/export_check_names.txt "${mangledText}\n")
+execute_process(COMMAND ${CXXFILT} INPUT_FILE ${CMAKE_CURRENT_BINARY_DIR}/export_check_names.txt
+  OUTPUT_VARIABLE demangled RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "${CXXFILT} failed")
+endif()
+string(REPLACE ";" "\\;" demangled "${demangled}")
+string(REPLACE "\n" ";" demangled "${demangled}")
+
+# Every word of the public headers.
+file(GLOB headers ${HEADERS}/*.h)
+set(words)
+foreach(header IN LISTS headers)
+  file(READ ${header} text)
+  string(REGEX MATCHALL "[A-Za-z_][A-Za-z0-9_]*" found "${text}")
+  list(APPEND words ${found})
+endforeach()
+list(REMOVE_DUPLICATES words)
+
+set(offenders)
+foreach(name IN LISTS demangled)
+  if(name STREQUAL "")
+    continue()
+  endif()
+  string(REGEX REPLACE "^(vtable|typeinfo|typeinfo name|VTT|guard variable|construction vtable) for " "" name "${name}")
+  string(REGEX REPLACE "^(virtual|non-virtual) thunk to " "" name "${name}")
+  # The qualified name: what stands before the parameter list, without
+  # template arguments and ABI tags.
+  set(head "${name}")
+  string(REGEX REPLACE "\\[abi:[a-z0-9]+\\]" "" head "${head}")
+  string(REGEX REPLACE "operator[^(]*\\(.*$" "operator" head "${head}")
+  string(REGEX REPLACE "\\(.*$" "" head "${head}")
+  # Nested template arguments go from the inside out.
+  foreach(round RANGE 8)
+    string(REGEX REPLACE "<[^<>]*>" "" head "${head}")
+  endforeach()
+  string(REGEX REPLACE "^.* " "" head "${head}")
+  if(head MATCHES "^(std|__gnu_cxx|__cxxabiv1)::" OR head MATCHES "^_+[A-Z]")
+    continue()
+  endif()
+  string(REPLACE "::" ";" parts "${head}")
+  foreach(part IN LISTS parts)
+    string(REGEX REPLACE "^~" "" part "${part}")
+    if(part STREQUAL "operator" OR part STREQUAL "")
+      continue()
+    endif()
+    list(FIND words "${part}" at)
+    if(at EQUAL -1)
+      list(APPEND offenders "${name}")
+      break()
+    endif()
+  endforeach()
+endforeach()
+
+if(offenders)
+  list(LENGTH offenders n)
+  string(REPLACE ";" "\n  " shown "${offenders}")
+  message(FATAL_ERROR "${LIBRARY} exports ${n} names that include/ does not declare:\n  ${shown}")
+endif()
+message(STATUS "${count} exported symbols, all declared in include/")
