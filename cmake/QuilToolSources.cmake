@@ -55,7 +55,8 @@ endfunction()
 # Made before the folders add their tests; linked with the shared library.
 function(qt_add_shared_tests)
   add_executable(quiltool_shared_tests)
-  target_link_libraries(quiltool_shared_tests PRIVATE quiltool quiltool_testsupport)
+  # After the test support, whose calls into the library it resolves.
+  target_link_libraries(quiltool_shared_tests PRIVATE quiltool_testsupport quiltool)
   # File name of the built library, for tests that look for it beside themselves.
   target_compile_definitions(quiltool_shared_tests PRIVATE QT_TEST_LIBRARY_FILE="$<TARGET_FILE_NAME:quiltool>")
   qt_link_platform(quiltool_shared_tests)
