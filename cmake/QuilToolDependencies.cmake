@@ -27,15 +27,19 @@ else()
   find_package(Threads REQUIRED)
 endif()
 
+# System libraries the library's code calls.
+if(WIN32)
+  set(QT_PLATFORM_LIBS user32 gdi32 advapi32 comctl32 comdlg32 ole32 oleaut32 uuid crypt32 shell32 shlwapi)
+else()
+  set(QT_PLATFORM_LIBS Threads::Threads ${CMAKE_DL_LIBS})
+endif()
+
 # Libraries every QuilTool binary links: the library itself takes all of them
 # privately; test programs and tools take the system ones they call directly.
 function(qt_link_platform target)
+  target_link_libraries(${target} PRIVATE ${QT_PLATFORM_LIBS})
   if(WIN32)
-    target_link_libraries(${target} PRIVATE
-      user32 gdi32 advapi32 comctl32 comdlg32 ole32 oleaut32 uuid crypt32 shell32 shlwapi)
     target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
-  else()
-    target_link_libraries(${target} PRIVATE Threads::Threads ${CMAKE_DL_LIBS})
   endif()
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "SHARED_LIBRARY")

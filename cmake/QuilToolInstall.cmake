@@ -24,10 +24,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/QuilToolConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/QuilToolConfig.cmake ${CMAKE_BINARY_DIR}/QuilToolConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QuilTool)
 
-if(WIN32)
-  set(QT_PC_LIBS "-lquiltool")
-else()
-  set(QT_PC_LIBS "-lquiltool")
-endif()
+# The import library on Windows and the shared object on Linux go by the same name.
+set(QT_PC_LIBS "-lquiltool")
 configure_file(${CMAKE_SOURCE_DIR}/cmake/quiltool.pc.in ${CMAKE_BINARY_DIR}/quiltool.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/quiltool.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -27,21 +27,40 @@ function(qt_library_sources dir out)
   set(${out} ${all} PARENT_SCOPE)
 endfunction()
 
-# One test program per subsystem folder: quiltool_<dir>_tests.
+# One test program per subsystem folder: quiltool_<dir>_tests, built with the
+# library's objects inside so that it reaches internal functions too.
+# Tests of what only the loaded shared library shows (its own folder, its
+# load and unload, finding it by file name) are named foo_shared_test.cpp
+# and go into quiltool_shared_tests, which links the shared library and so
+# sees only what include/ declares.
 function(qt_add_subsystem_tests dir)
   file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${dir}/*_test.cpp)
   qt_filter_platform(tests ${tests})
+  set(shared ${tests})
+  list(FILTER shared INCLUDE REGEX "_shared(_${QT_PLATFORM_SUFFIX})?_test\\.cpp$")
+  list(FILTER tests EXCLUDE REGEX "_shared(_${QT_PLATFORM_SUFFIX})?_test\\.cpp$")
+  if(shared)
+    target_sources(quiltool_shared_tests PRIVATE ${shared})
+  endif()
   if(NOT tests)
     return()
   endif()
   set(name quiltool_${dir}_tests)
   add_executable(${name} ${tests})
-  target_link_libraries(${name} PRIVATE quiltool quiltool_testsupport qt_sqlite3 qt_tinyxml2)
-  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
-  # File name of the built library, for tests that look for it beside themselves.
-  target_compile_definitions(${name} PRIVATE QT_TEST_LIBRARY_FILE="$<TARGET_FILE_NAME:quiltool>")
+  target_link_libraries(${name} PRIVATE quiltool_objects quiltool_testsupport)
   qt_link_platform(${name})
   qt_register_gtest(${name})
+endfunction()
+
+# Made before the folders add their tests; linked with the shared library.
+function(qt_add_shared_tests)
+  add_executable(quiltool_shared_tests)
+  # After the test support, whose calls into the library it resolves.
+  target_link_libraries(quiltool_shared_tests PRIVATE quiltool_testsupport quiltool)
+  # File name of the built library, for tests that look for it beside themselves.
+  target_compile_definitions(quiltool_shared_tests PRIVATE QT_TEST_LIBRARY_FILE="$<TARGET_FILE_NAME:quiltool>")
+  qt_link_platform(quiltool_shared_tests)
+  qt_register_gtest(quiltool_shared_tests)
 endfunction()
 
 function(qt_register_gtest target)

@@ -6,7 +6,6 @@
 #define QUILTOOL_CORE_ARRAY_MONITOR_H
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt {
 namespace array_monitor {
@@ -32,8 +31,8 @@ void WindowClosed(HWND window);
 }  // namespace qt
 
 // For tests: the monitor's count, its handle (null when none), and closing it.
-QT_API long qt_array_monitor_count();
-QT_API HWND qt_array_monitor_window();
-QT_API void qt_array_monitor_close();
+long qt_array_monitor_count();
+HWND qt_array_monitor_window();
+void qt_array_monitor_close();
 
 #endif

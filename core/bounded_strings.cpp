@@ -1,6 +1,7 @@
 // Bounded copies and appends: silent truncation, always terminated.
 #include <cstdarg>
 
+#include "core/boundary.h"
 #include "gwframe.h"
 
 namespace {
@@ -56,13 +57,22 @@ namespace {
 
 // Formats into a growable owned string, then copies what fits; the result is
 // the whole formatted length.
+// Out of memory counts as a failed format: -1 and an empty buffer.
 template <class Owned, class C>
 int FormatBounded(C* dst, size_t size, const C* format, va_list args) {
-  Owned text;
-  text.str().reserve(256);
-  const int n = text.formatVaList(format, args);
-  Copy(dst, size, text.c_str());
-  return n;
+  return qt::NoThrowWith<int>(
+      "QN_sprintf_s",
+      [&](bool) {
+        if (dst && size > 0) dst[0] = 0;
+        return -1;
+      },
+      [&]() -> int {
+        Owned text;
+        text.str().reserve(256);
+        const int n = text.formatVaList(format, args);
+        Copy(dst, size, text.c_str());
+        return n;
+      });
 }
 
 }  // namespace

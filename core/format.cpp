@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/text_platform.h"
+#include "core/boundary.h"
 #include "ustr.h"
 
 namespace {
@@ -81,36 +82,52 @@ std::basic_string<C> Normalize(const C* format, bool wide) {
 }  // namespace
 
 int qn_vformat(std::wstring& out, const wchar_t* format, va_list args) {
-  out.clear();
-  if (!format) return -1;
-  const std::wstring f = Normalize(format, true);
-  // A wide printf only says "did not fit", so grow until it does.
-  for (size_t size = 256; size <= (1u << 24); size *= 4) {
-    out.resize(size);
-    va_list copy;
-    va_copy(copy, args);
-    const int n = std::vswprintf(&out[0], size, f.c_str(), copy);
-    va_end(copy);
-    if (n >= 0 && static_cast<size_t>(n) < size) {
-      out.resize(static_cast<size_t>(n));
-      return n;
+  return qt::NoThrowWith<int>(
+      "qn_vformat",
+      [&](bool) {
+        out.clear();
+        return -1;
+      },
+      [&]() -> int {
+    out.clear();
+    if (!format) return -1;
+    const std::wstring f = Normalize(format, true);
+    // A wide printf only says "did not fit", so grow until it does.
+    for (size_t size = 256; size <= (1u << 24); size *= 4) {
+      out.resize(size);
+      va_list copy;
+      va_copy(copy, args);
+      const int n = std::vswprintf(&out[0], size, f.c_str(), copy);
+      va_end(copy);
+      if (n >= 0 && static_cast<size_t>(n) < size) {
+        out.resize(static_cast<size_t>(n));
+        return n;
+      }
     }
-  }
-  out.clear();
-  return -1;
+    out.clear();
+    return -1;
+  });
 }
 
 int qn_vformat(std::string& out, const char* format, va_list args) {
-  out.clear();
-  if (!format) return -1;
-  const std::string f = Normalize(format, false);
-  va_list copy;
-  va_copy(copy, args);
-  const int n = std::vsnprintf(nullptr, 0, f.c_str(), copy);
-  va_end(copy);
-  if (n < 0) return -1;
-  out.resize(static_cast<size_t>(n) + 1);
-  std::vsnprintf(&out[0], out.size(), f.c_str(), args);
-  out.resize(static_cast<size_t>(n));
-  return n;
+  return qt::NoThrowWith<int>(
+      "qn_vformat",
+      [&](bool) {
+        out.clear();
+        return -1;
+      },
+      [&]() -> int {
+    out.clear();
+    if (!format) return -1;
+    const std::string f = Normalize(format, false);
+    va_list copy;
+    va_copy(copy, args);
+    const int n = std::vsnprintf(nullptr, 0, f.c_str(), copy);
+    va_end(copy);
+    if (n < 0) return -1;
+    out.resize(static_cast<size_t>(n) + 1);
+    std::vsnprintf(&out[0], out.size(), f.c_str(), args);
+    out.resize(static_cast<size_t>(n));
+    return n;
+  });
 }

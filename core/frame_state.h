@@ -30,9 +30,9 @@ void ProcessDetach();
 
 // For tests and hosts that want the memory helpers' failure texts, which the
 // frame otherwise drops. Returns the previous hook.
-QT_API qt::ErrorHook qt_set_error_hook(qt::ErrorHook hook);
+qt::ErrorHook qt_set_error_hook(qt::ErrorHook hook);
 // The button caption i (0 OK, 1 Cancel, 2 Yes, 3 No) and the mode byte.
-QT_API const char* qt_message_button_text(int i);
-QT_API bool qt_message_box_mode();
+const char* qt_message_button_text(int i);
+bool qt_message_box_mode();
 
 #endif

@@ -11,7 +11,6 @@
 
 #include <cstddef>
 
-#include "quiltool_export.h"
 
 struct QtGmemCalls {
   // GlobalAlloc(GMEM_MOVEABLE | (zero ? GMEM_ZEROINIT : 0), size)
@@ -36,10 +35,10 @@ struct QtGmemCalls {
 };
 
 // The table in use; tests replace entries and restore them afterwards.
-QT_API QtGmemCalls* qt_gmem_calls();
+QtGmemCalls* qt_gmem_calls();
 // The platform's own table.
-QT_API const QtGmemCalls* qt_gmem_default_calls();
+const QtGmemCalls* qt_gmem_default_calls();
 // Size of a block as its owner sees it (GlobalSize), 0 for no block.
-QT_API size_t qt_gmem_size(const void* pointer);
+size_t qt_gmem_size(const void* pointer);
 
 #endif

@@ -3,6 +3,7 @@
 #include "core/frame_state.h"
 #include "core/platform.h"
 #include "gwframe.h"
+#include "core/boundary.h"
 
 namespace {
 
@@ -34,29 +35,43 @@ int IntoUstr(int result, const wchar_t* buffer, ustr& out) {
 
 }  // namespace
 
-int GetModuleDirectory(HMODULE module, wchar_t* buffer, int size) { return DirectoryInto(module, buffer, size); }
+int GetModuleDirectory(HMODULE module, wchar_t* buffer, int size) {
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    return DirectoryInto(module, buffer, size);
+  });
+}
 
 int GetModuleDirectory(HMODULE module, ustr& result) {
-  wchar_t buffer[kNameBuffer];
-  return IntoUstr(DirectoryInto(module, buffer, kNameBuffer), buffer, result);
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    wchar_t buffer[kNameBuffer];
+    return IntoUstr(DirectoryInto(module, buffer, kNameBuffer), buffer, result);
+  });
 }
 
 int GetModuleDirectory(HMODULE module, const wchar_t* tail, wchar_t* buffer, int size) {
-  return WithTail(module, tail, buffer, size);
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    return WithTail(module, tail, buffer, size);
+  });
 }
 
 int GetModuleDirectory(HMODULE module, const wchar_t* tail, ustr& result) {
-  wchar_t buffer[kNameBuffer];
-  return IntoUstr(WithTail(module, tail, buffer, kNameBuffer), buffer, result);
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    wchar_t buffer[kNameBuffer];
+    return IntoUstr(WithTail(module, tail, buffer, kNameBuffer), buffer, result);
+  });
 }
 
 int GetModuleDirectory(const wchar_t* moduleFileName, const wchar_t* tail, wchar_t* buffer, int size) {
-  // A name that is not loaded resolves to null, which is this library.
-  HMODULE module = moduleFileName ? qt::platform::LoadedModule(moduleFileName) : nullptr;
-  return WithTail(module, tail, buffer, size);
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    // A name that is not loaded resolves to null, which is this library.
+    HMODULE module = moduleFileName ? qt::platform::LoadedModule(moduleFileName) : nullptr;
+    return WithTail(module, tail, buffer, size);
+  });
 }
 
 int GetModuleDirectory(const wchar_t* moduleFileName, const wchar_t* tail, ustr& result) {
-  wchar_t buffer[kNameBuffer];
-  return IntoUstr(GetModuleDirectory(moduleFileName, tail, buffer, kNameBuffer), buffer, result);
+  return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
+    wchar_t buffer[kNameBuffer];
+    return IntoUstr(GetModuleDirectory(moduleFileName, tail, buffer, kNameBuffer), buffer, result);
+  });
 }

@@ -40,8 +40,9 @@ bool ModuleFileName(HMODULE module, std::wstring* name) {
     if (n <= 0) return false;
     path.assign(exe, static_cast<size_t>(n));
   }
+  // The converter answers empty text only when memory ran out.
   *name = qn_ansi_to_wide(path.c_str());
-  return true;
+  return !name->empty();
 }
 
 HMODULE LoadedModule(const wchar_t* name) {

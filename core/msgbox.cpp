@@ -5,6 +5,7 @@
 #include "core/platform.h"
 #include "Lng.h"
 #include "qn_presenter.h"
+#include "core/boundary.h"
 
 namespace {
 
@@ -34,32 +35,52 @@ QnMessagePresenter* qn_set_message_presenter(QnMessagePresenter* presenter) {
   return previous;
 }
 
-int gwmsgbox(HWND owner, const wchar_t* text, unsigned int style) { return ShowBox(owner, Lng::APP_NONE, text, style); }
+int gwmsgbox(HWND owner, const wchar_t* text, unsigned int style) {
+  return qt::NoThrow<int>("gwmsgbox", 0, [&]() -> int {
+    return ShowBox(owner, Lng::APP_NONE, text, style);
+  });
+}
 
-void gwmsg(HWND owner, const wchar_t* text) { ShowBox(owner, Lng::APP_NONE, text, MB_ICONINFORMATION); }
+void gwmsg(HWND owner, const wchar_t* text) {
+  qt::NoThrowVoid("gwmsg", [&] {
+    ShowBox(owner, Lng::APP_NONE, text, MB_ICONINFORMATION);
+  });
+}
 
 void gwmsg(HWND owner, const char* text) {
-  // The wide title handed over as 8-bit text: the caption shows its first
-  // character only ("Q"). Callers have seen it so for years; it stays.
-  const char* title = reinterpret_cast<const char*>(qt::Frame().messageBoxTitle);
-  const unsigned int style = owner ? MB_ICONINFORMATION : (MB_ICONINFORMATION | MB_TASKMODAL);
-  HWND focused = qt::platform::FocusedWindow();
-  Presenter().showMessageA(owner, text ? text : "", title, style);
-  qt::platform::RestoreFocus(focused);
+  qt::NoThrowVoid("gwmsg", [&] {
+    // The wide title handed over as 8-bit text: the caption shows its first
+    // character only ("Q"). Callers have seen it so for years; it stays.
+    const char* title = reinterpret_cast<const char*>(qt::Frame().messageBoxTitle);
+    const unsigned int style = owner ? MB_ICONINFORMATION : (MB_ICONINFORMATION | MB_TASKMODAL);
+    HWND focused = qt::platform::FocusedWindow();
+    Presenter().showMessageA(owner, text ? text : "", title, style);
+    qt::platform::RestoreFocus(focused);
+  });
 }
 
 int gwokcancelmsg(HWND owner, const wchar_t* text) {
-  return ShowBox(owner, Lng::APP_NONE, text, MB_OKCANCEL | MB_ICONQUESTION);
+  return qt::NoThrow<int>("gwokcancelmsg", 0, [&]() -> int {
+    return ShowBox(owner, Lng::APP_NONE, text, MB_OKCANCEL | MB_ICONQUESTION);
+  });
 }
 
 int gwyesnocancelmsg(HWND owner, const wchar_t* text) {
-  return ShowBox(owner, Lng::APP_NONE, text, MB_YESNOCANCEL | MB_ICONQUESTION);
+  return qt::NoThrow<int>("gwyesnocancelmsg", 0, [&]() -> int {
+    return ShowBox(owner, Lng::APP_NONE, text, MB_YESNOCANCEL | MB_ICONQUESTION);
+  });
 }
 
-int gwyesnomsg(HWND owner, const wchar_t* text) { return ShowBox(owner, Lng::APP_NONE, text, MB_YESNO | MB_ICONQUESTION); }
+int gwyesnomsg(HWND owner, const wchar_t* text) {
+  return qt::NoThrow<int>("gwyesnomsg", 0, [&]() -> int {
+    return ShowBox(owner, Lng::APP_NONE, text, MB_YESNO | MB_ICONQUESTION);
+  });
+}
 
 int gwyesnomsg(HWND owner, Lng::AppID app, const wchar_t* text) {
-  return ShowBox(owner, app, text, MB_YESNO | MB_ICONQUESTION);
+  return qt::NoThrow<int>("gwyesnomsg", 0, [&]() -> int {
+    return ShowBox(owner, app, text, MB_YESNO | MB_ICONQUESTION);
+  });
 }
 
 void gwsetmsgboxlng(const char* ok, const char* cancel, const char* yes, const char* no) {

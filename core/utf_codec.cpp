@@ -1,6 +1,7 @@
 // The library's one Unicode codec. It decides by the width of wchar_t, not
 // by platform, so the same source gives the same bytes on both targets.
 #include "qn_utf.h"
+#include "core/boundary.h"
 
 #include <cwchar>
 
@@ -72,45 +73,49 @@ void DecodeUtf16le(const unsigned char* b, size_t size, unsigned flags, Put put)
 }  // namespace
 
 std::string qn_wide_to_utf16le(const wchar_t* text, size_t length, unsigned flags) {
-  std::string out;
-  if (!text) return out;
-  const size_t n = WideLength(text, length);
-  // Sized once and written through a pointer: this sits on the paths of
-  // stored records and log pieces.
-  size_t units = n;
-  if (!kWide16) {
-    for (size_t i = 0; i < n; ++i) {
-      const char32_t c = Value(text[i]);
-      if (c > 0xFFFF && c <= 0x10FFFF) ++units;
-    }
-  }
-  out.resize(2 * units);
-  char* p = &out[0];
-  for (size_t i = 0; i < n; ++i) {
-    char32_t c = Value(text[i]);
+  return qt::NoThrow<std::string>("qn_wide_to_utf16le", std::string(), [&]() -> std::string {
+    std::string out;
+    if (!text) return out;
+    const size_t n = WideLength(text, length);
+    // Sized once and written through a pointer: this sits on the paths of
+    // stored records and log pieces.
+    size_t units = n;
     if (!kWide16) {
-      if (c > 0x10FFFF || (IsSurrogate(c) && (flags & QN_UTF_REPLACE_INVALID))) {
-        c = kReplacement;
-      } else if (c > 0xFFFF) {
-        p = PutUnit(p, 0xD800 | ((c - 0x10000) >> 10));
-        p = PutUnit(p, 0xDC00 | ((c - 0x10000) & 0x3FF));
-        continue;
+      for (size_t i = 0; i < n; ++i) {
+        const char32_t c = Value(text[i]);
+        if (c > 0xFFFF && c <= 0x10FFFF) ++units;
       }
     }
-    p = PutUnit(p, c);
-  }
-  return out;
+    out.resize(2 * units);
+    char* p = &out[0];
+    for (size_t i = 0; i < n; ++i) {
+      char32_t c = Value(text[i]);
+      if (!kWide16) {
+        if (c > 0x10FFFF || (IsSurrogate(c) && (flags & QN_UTF_REPLACE_INVALID))) {
+          c = kReplacement;
+        } else if (c > 0xFFFF) {
+          p = PutUnit(p, 0xD800 | ((c - 0x10000) >> 10));
+          p = PutUnit(p, 0xDC00 | ((c - 0x10000) & 0x3FF));
+          continue;
+        }
+      }
+      p = PutUnit(p, c);
+    }
+    return out;
+  });
 }
 
 std::wstring qn_utf16le_to_wide(const void* bytes, size_t size, unsigned flags) {
-  std::wstring out;
-  if (!bytes) return out;
-  out.reserve(size / 2);
-  DecodeUtf16le(static_cast<const unsigned char*>(bytes), size, flags, [&out](wchar_t c) {
-    out += c;
-    return true;
+  return qt::NoThrow<std::wstring>("qn_utf16le_to_wide", std::wstring(), [&]() -> std::wstring {
+    std::wstring out;
+    if (!bytes) return out;
+    out.reserve(size / 2);
+    DecodeUtf16le(static_cast<const unsigned char*>(bytes), size, flags, [&out](wchar_t c) {
+      out += c;
+      return true;
+    });
+    return out;
   });
-  return out;
 }
 
 size_t qn_utf16le_to_wide(const void* bytes, size_t size, wchar_t* out, size_t outChars, unsigned flags) {
@@ -128,51 +133,55 @@ size_t qn_utf16le_to_wide(const void* bytes, size_t size, wchar_t* out, size_t o
 }
 
 std::string qn_wide_to_utf8(const wchar_t* text, size_t length, unsigned flags) {
-  std::string out;
-  if (!text) return out;
-  const size_t n = WideLength(text, length);
-  out.reserve(n);
-  for (size_t i = 0; i < n; ++i) {
-    char32_t c = Value(text[i]);
-    if (kWide16 && IsHigh(c) && i + 1 < n && IsLow(Value(text[i + 1]))) {
-      c = Join(c, Value(text[++i]));
-    } else if ((IsSurrogate(c) || c > 0x10FFFF) && (flags & QN_UTF_REPLACE_INVALID)) {
-      c = kReplacement;
+  return qt::NoThrow<std::string>("qn_wide_to_utf8", std::string(), [&]() -> std::string {
+    std::string out;
+    if (!text) return out;
+    const size_t n = WideLength(text, length);
+    out.reserve(n);
+    for (size_t i = 0; i < n; ++i) {
+      char32_t c = Value(text[i]);
+      if (kWide16 && IsHigh(c) && i + 1 < n && IsLow(Value(text[i + 1]))) {
+        c = Join(c, Value(text[++i]));
+      } else if ((IsSurrogate(c) || c > 0x10FFFF) && (flags & QN_UTF_REPLACE_INVALID)) {
+        c = kReplacement;
+      }
+      PutUtf8(out, c);
     }
-    PutUtf8(out, c);
-  }
-  return out;
+    return out;
+  });
 }
 
 std::wstring qn_utf8_to_wide(const char* text, size_t length) {
-  std::wstring out;
-  if (!text) return out;
-  const unsigned char* s = reinterpret_cast<const unsigned char*>(text);
-  const size_t n = length == static_cast<size_t>(-1) ? std::char_traits<char>::length(text) : length;
-  out.reserve(n);
-  for (size_t i = 0; i < n;) {
-    const char32_t c = s[i];
-    const int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : 0;
-    bool complete = extra > 0 && i + extra < n;
-    for (int k = 1; complete && k <= extra; ++k) complete = (s[i + k] & 0xC0) == 0x80;
-    if (!complete) {
-      out += static_cast<wchar_t>(c);
-      ++i;
-      continue;
-    }
-    char32_t cp = c & (0x3Fu >> extra);
-    for (int k = 1; k <= extra; ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
-    i += 1 + extra;
-    if (kWide16 && cp > 0xFFFF) {
-      if (cp > 0x10FFFF) {
-        out += static_cast<wchar_t>(kReplacement);
-      } else {
-        out += static_cast<wchar_t>(0xD800 | ((cp - 0x10000) >> 10));
-        out += static_cast<wchar_t>(0xDC00 | ((cp - 0x10000) & 0x3FF));
+  return qt::NoThrow<std::wstring>("qn_utf8_to_wide", std::wstring(), [&]() -> std::wstring {
+    std::wstring out;
+    if (!text) return out;
+    const unsigned char* s = reinterpret_cast<const unsigned char*>(text);
+    const size_t n = length == static_cast<size_t>(-1) ? std::char_traits<char>::length(text) : length;
+    out.reserve(n);
+    for (size_t i = 0; i < n;) {
+      const char32_t c = s[i];
+      const int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : 0;
+      bool complete = extra > 0 && i + extra < n;
+      for (int k = 1; complete && k <= extra; ++k) complete = (s[i + k] & 0xC0) == 0x80;
+      if (!complete) {
+        out += static_cast<wchar_t>(c);
+        ++i;
+        continue;
       }
-    } else {
-      out += static_cast<wchar_t>(cp);
+      char32_t cp = c & (0x3Fu >> extra);
+      for (int k = 1; k <= extra; ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
+      i += 1 + extra;
+      if (kWide16 && cp > 0xFFFF) {
+        if (cp > 0x10FFFF) {
+          out += static_cast<wchar_t>(kReplacement);
+        } else {
+          out += static_cast<wchar_t>(0xD800 | ((cp - 0x10000) >> 10));
+          out += static_cast<wchar_t>(0xDC00 | ((cp - 0x10000) & 0x3FF));
+        }
+      } else {
+        out += static_cast<wchar_t>(cp);
+      }
     }
-  }
-  return out;
+    return out;
+  });
 }

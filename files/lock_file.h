@@ -12,7 +12,6 @@
 #include <string>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt {
 namespace lockfile {
@@ -32,7 +31,7 @@ enum class Step { Open, Lock, Read, Write };
 
 // The one place per platform where OS error codes (GetLastError / errno)
 // become outcomes.
-QT_API Outcome OutcomeFromOsError(int error, Step step);
+Outcome OutcomeFromOsError(int error, Step step);
 
 bool Exists(const std::wstring& name);
 // The absolute form of a file name (GetFullPathNameW; Linux: joined to the

@@ -4,7 +4,6 @@
 #ifndef QUILTOOL_FILES_LOCK_INSPECT_H
 #define QUILTOOL_FILES_LOCK_INSPECT_H
 
-#include "quiltool_export.h"
 #include "ustr.h"
 
 enum QtLockFileState {
@@ -16,6 +15,6 @@ enum QtLockFileState {
 };
 
 // holder, when given, receives the name written in the lock file.
-QT_API QtLockFileState qt_inspect_lock_file(const wchar_t* lockFile, ustr* holder);
+QtLockFileState qt_inspect_lock_file(const wchar_t* lockFile, ustr* holder);
 
 #endif

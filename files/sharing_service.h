@@ -7,13 +7,12 @@
 
 #include <memory>
 
-#include "quiltool_export.h"
 #include "ustr.h"
 
 namespace qt {
 namespace files {
 
-class QT_API SharingService {
+class SharingService {
  public:
   virtual ~SharingService();
   virtual ustr Name() const = 0;
@@ -35,8 +34,8 @@ class QT_API SharingService {
 typedef SharingService* (*SharingServiceFactory)(const ustr& file);
 
 // Later registrations are asked first. For connectors and tests.
-QT_API void RegisterSharingService(SharingServiceFactory factory);
-QT_API void UnregisterSharingService(SharingServiceFactory factory);
+void RegisterSharingService(SharingServiceFactory factory);
+void UnregisterSharingService(SharingServiceFactory factory);
 
 // The service for a file: the first factory that claims it, else the file
 // system.

@@ -7,8 +7,9 @@
 // Where wchar_t holds UTF-16, its units pass to and from UTF-16LE as they
 // are, unpaired halves included, whatever the flags. Wide lengths count
 // wchar_t elements; the default length means "up to the first zero".
-// Functions returning a standard string throw std::bad_alloc when memory
-// runs out, as the string itself would.
+// Nothing here throws: a function returning a standard string answers an
+// empty one when memory runs out, so a non-empty input that comes back
+// empty has failed.
 #ifndef QUILTOOL_QN_UTF_H
 #define QUILTOOL_QN_UTF_H
 

@@ -7,13 +7,25 @@
 
 #if defined(_WIN32)
 
+// The lean, min/max-free form of <windows.h>, without changing what the
+// caller asked for: only the switches set here are taken back afterwards.
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
+#define QN_WINTYPES_SET_LEAN
 #endif
 #ifndef NOMINMAX
 #define NOMINMAX
+#define QN_WINTYPES_SET_NOMINMAX
 #endif
 #include <windows.h>
+#ifdef QN_WINTYPES_SET_LEAN
+#undef WIN32_LEAN_AND_MEAN
+#undef QN_WINTYPES_SET_LEAN
+#endif
+#ifdef QN_WINTYPES_SET_NOMINMAX
+#undef NOMINMAX
+#undef QN_WINTYPES_SET_NOMINMAX
+#endif
 
 #else  // !_WIN32
 

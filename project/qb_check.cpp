@@ -81,22 +81,19 @@ short CheckAll(File* f, std::vector<std::string>* problems) {
 }  // namespace
 
 long qbcheckfile(short hfile, qbcheckproc proc, void* context) {
-  short s;
   std::vector<std::string> problems;
-  try {
+  const short s = Guarded(hfile, [&]() -> short {
     File* f;
-    s = OpenFileOf(hfile, &f);
-    if (s == QB_OK) {
+    short status = OpenFileOf(hfile, &f);
+    if (status == QB_OK) {
       // One snapshot for the whole check.
       const bool own = !f->backend->InTransaction();
-      if (own) s = f->backend->BeginRead();
-      if (s == QB_OK) s = CheckAll(f, &problems);
+      if (own) status = f->backend->BeginRead();
+      if (status == QB_OK) status = CheckAll(f, &problems);
       if (own) f->backend->Rollback();
     }
-  } catch (const std::bad_alloc&) {
-    s = QBERR_NOMEM;
-  }
-  Note(hfile, s);
+    return status;
+  });
   if (s != QB_OK) return s;
   if (proc) {
     for (const std::string& p : problems) proc(context, p.c_str());

@@ -7,8 +7,10 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "core/boundary.h"
 #include "project/qb_backend.h"
 #include "project/qb_dictionary.h"
 #include "qb.h"
@@ -95,18 +97,13 @@ short CheckWritable(const File* f);
 // Whether an attribute value fits its type: QB_OK or QBERR_BADATT.
 short CheckAttValue(const Dictionary& d, short type, const void* data, size_t size);
 
-// Runs f, turning exceptions into statuses, and notes the outcome.
+// The status an exported call answers when its body threw.
+inline short FailureStatus(bool outOfMemory) { return outOfMemory ? QBERR_NOMEM : QBERR_IO; }
+
+// Runs f behind the library's boundary and notes the outcome.
 template <class F>
 short Guarded(short hfile, F&& f) {
-  short status;
-  try {
-    status = f();
-  } catch (const std::bad_alloc&) {
-    status = QBERR_NOMEM;
-  } catch (...) {
-    status = QBERR_IO;
-  }
-  return Note(hfile, status);
+  return Note(hfile, qt::NoThrowWith<short>("record engine", FailureStatus, std::forward<F>(f)));
 }
 
 // The same for calls that answer a pointer: f(&status) gives the result,
@@ -114,16 +111,13 @@ short Guarded(short hfile, F&& f) {
 template <class T, class F>
 T* GuardedPtr(short hfile, F&& f) {
   short status = QB_OK;
-  T* result = nullptr;
-  try {
-    result = f(&status);
-  } catch (const std::bad_alloc&) {
-    status = QBERR_NOMEM;
-    result = nullptr;
-  } catch (...) {
-    status = QBERR_IO;
-    result = nullptr;
-  }
+  T* result = qt::NoThrowWith<T*>(
+      "record engine",
+      [&](bool outOfMemory) -> T* {
+        status = FailureStatus(outOfMemory);
+        return nullptr;
+      },
+      [&]() -> T* { return f(&status); });
   if (status < 0) result = nullptr;
   Note(hfile, status);
   return result;

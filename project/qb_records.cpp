@@ -121,16 +121,12 @@ std::string_view OwnerOf(const Dictionary& d, const char* rec) {
 }  // namespace
 
 long qbgetnrecs(short hfile) {
-  short s;
   long count = 0;
-  try {
+  const short s = Guarded(hfile, [&]() -> short {
     File* f;
-    s = OpenFileOf(hfile, &f);
-    if (s == QB_OK) s = f->backend->Count(FilterOf(f), &count);
-  } catch (const std::bad_alloc&) {
-    s = QBERR_NOMEM;
-  }
-  Note(hfile, s);
+    const short open = OpenFileOf(hfile, &f);
+    return open == QB_OK ? f->backend->Count(FilterOf(f), &count) : open;
+  });
   return s == QB_OK ? count : s;
 }
 

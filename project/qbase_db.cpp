@@ -2,6 +2,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/boundary.h"
 #include "gwframe.h"
 #include "project/qb_platform.h"
 #include "project/qbase_db_impl.h"
@@ -131,14 +132,12 @@ ustr QBaseDb::createStreamAsBase64() const {
   long size = 0;
   char* buffer = qbcreatestreambuf(impl_->handle, &size);
   if (!buffer) return ustr();
-  ustr text;
-  try {
+  ustr text = qt::NoThrow("QBaseDb::createStreamAsBase64", ustr(), [&] {
     std::wstring base64;
-    if (qb::platform::Base64(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size), &base64))
-      text = ustr(base64);
-  } catch (const std::bad_alloc&) {
-    text = ustr();
-  }
+    if (!qb::platform::Base64(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size), &base64))
+      return ustr();
+    return ustr(base64);
+  });
   qbreleasestreambuf(buffer);
   return text;
 }
@@ -172,11 +171,7 @@ ustr QBaseDb::getFileName() const {
   wchar_t buffer[260];
   buffer[0] = L'\0';
   qbgetfilenamew(impl_->handle, buffer, 260);
-  try {
-    return ustr(buffer);
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  return qt::NoThrow("QBaseDb::getFileName", ustr(), [&] { return ustr(buffer); });
 }
 
 short QBaseDb::getFileName(wchar_t* buffer) const {
@@ -190,11 +185,10 @@ short QBaseDb::getFileName(char* buffer) const {
   wchar_t wide[260];
   const short status = getFileName(wide);
   if (status == QB_OK) {
-    try {
-      QN_strcpy_s(buffer, 260, qn_wide_to_ansi(wide).c_str());
-    } catch (const std::bad_alloc&) {
-      return QBERR_NOMEM;
-    }
+    // The converter answers empty text only when memory ran out.
+    const std::string narrow = qn_wide_to_ansi(wide);
+    if (narrow.empty() && wide[0]) return QBERR_NOMEM;
+    QN_strcpy_s(buffer, 260, narrow.c_str());
   }
   return status;
 }

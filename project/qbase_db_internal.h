@@ -10,17 +10,17 @@ struct QtQBaseDbDiagnostics {
   bool shareCountBelowZero;
 };
 
-QT_API QtQBaseDbDiagnostics qt_qbasedb_diagnostics();
-QT_API void qt_qbasedb_reset_diagnostics();
+QtQBaseDbDiagnostics qt_qbasedb_diagnostics();
+void qt_qbasedb_reset_diagnostics();
 // Identity and share count of the state a QBaseDb shares.
-QT_API const void* qt_qbasedb_state(const QBaseDb& db);
-QT_API const void* qt_qbasedb_empty_state();
-QT_API int qt_qbasedb_share_count(const QBaseDb& db);
+const void* qt_qbasedb_state(const QBaseDb& db);
+const void* qt_qbasedb_empty_state();
+int qt_qbasedb_share_count(const QBaseDb& db);
 // The Base64 the streams use, on any bytes.
-QT_API ustr qt_qb_base64(const unsigned char* data, size_t size);
+ustr qt_qb_base64(const unsigned char* data, size_t size);
 // Releases a state as a QBaseDb going away would (null included), and
 // shares one as a new copy would.
-QT_API void qt_qbasedb_release_state(const void* state);
-QT_API void qt_qbasedb_share_state(const void* state);
+void qt_qbasedb_release_state(const void* state);
+void qt_qbasedb_share_state(const void* state);
 
 #endif

@@ -3,6 +3,7 @@
 #include "settings/lng_apptable.h"
 
 #include "gwframe.h"
+#include "core/boundary.h"
 
 namespace qt {
 
@@ -41,12 +42,16 @@ Lng::AppID Lng::GetAppId(const wchar_t* tag) {
 }
 
 ustr Lng::GetAppName(Lng::AppID id, bool shortName) {
-  const int i = qt::AppRowIndex(id);
-  if (i < 0) return ustr();
-  return shortName ? qt::kAppTable[i].shortName : qt::kAppTable[i].longName;
+  return qt::NoThrow<ustr>("Lng::GetAppName", ustr(), [&]() -> ustr {
+    const int i = qt::AppRowIndex(id);
+    if (i < 0) return ustr();
+    return shortName ? qt::kAppTable[i].shortName : qt::kAppTable[i].longName;
+  });
 }
 
 ustr Lng::GetAppTag(Lng::AppID id) {
-  const int i = qt::AppRowIndex(id);
-  return i < 0 ? ustr() : ustr(qt::kAppTable[i].tag);
+  return qt::NoThrow<ustr>("Lng::GetAppTag", ustr(), [&]() -> ustr {
+    const int i = qt::AppRowIndex(id);
+    return i < 0 ? ustr() : ustr(qt::kAppTable[i].tag);
+  });
 }

@@ -4,7 +4,6 @@
 #define QUILTOOL_SETTINGS_LNG_APPTABLE_H
 
 #include "Lng.h"
-#include "quiltool_export.h"
 
 namespace qt {
 
@@ -18,10 +17,10 @@ struct AppRow {
 
 const int kAppRows = 14;
 // Exported for the quiltool command, which finds language files by module.
-QT_API extern const AppRow kAppTable[kAppRows];
+extern const AppRow kAppTable[kAppRows];
 
 // Index of the first row with this id, or -1.
-QT_API int AppRowIndex(Lng::AppID id);
+int AppRowIndex(Lng::AppID id);
 
 }  // namespace qt
 

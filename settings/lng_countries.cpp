@@ -3,6 +3,7 @@
 #include "CountryData.h"
 #include "Lng.h"
 #include "gwframe.h"
+#include "core/boundary.h"
 
 namespace {
 
@@ -45,10 +46,12 @@ const CountryData::Item_t* CountryData::Get(const char* code) {
 }
 
 ustr CountryData::GetLanguageName(int languageId) {
-  for (const Item_t& item : kCountries) {
-    if (item.languageId == languageId) return Lng::text(Lng::APP_HPV, item.nameTextId, item.defaultName);
-  }
-  return ustr();
+  return qt::NoThrow<ustr>("CountryData::GetLanguageName", ustr(), [&]() -> ustr {
+    for (const Item_t& item : kCountries) {
+      if (item.languageId == languageId) return Lng::text(Lng::APP_HPV, item.nameTextId, item.defaultName);
+    }
+    return ustr();
+  });
 }
 
 int CountryData::Count() { return kCountryCount; }
@@ -58,8 +61,10 @@ const CountryData::Item_t* CountryData::At(int index) {
 }
 
 ustr Lng::GetInitialsForLanguageId(int languageId) {
-  for (const Initials* p = kInitials; p->initials; ++p) {
-    if (p->languageId == languageId) return ustr(p->initials);
-  }
-  return ustr();
+  return qt::NoThrow<ustr>("Lng::GetInitialsForLanguageId", ustr(), [&]() -> ustr {
+    for (const Initials* p = kInitials; p->initials; ++p) {
+      if (p->languageId == languageId) return ustr(p->initials);
+    }
+    return ustr();
+  });
 }

@@ -4,18 +4,17 @@
 #define QUILTOOL_SETTINGS_LNG_INTERNAL_H
 
 #include "Lng.h"
-#include "quiltool_export.h"
 #include "ustr.h"
 
 class CQlg;
 
 // The folder Lng::init reads the language files from; null or empty means
 // this library's own folder (the normal case).
-QT_API void qt_lng_set_folder(const wchar_t* folder);
+void qt_lng_set_folder(const wchar_t* folder);
 // Back to the state at load: init not run, every reader empty.
-QT_API void qt_lng_reset();
+void qt_lng_reset();
 // The reader of an application-table row (0..13), or null.
-QT_API const CQlg* qt_lng_reader(int row);
+const CQlg* qt_lng_reader(int row);
 
 // Resolves a user-defined variable's name (negative text ids of the main
 // module). Returns true and sets replacement when the main module knows
@@ -23,6 +22,6 @@ QT_API const CQlg* qt_lng_reader(int row);
 typedef bool (*QtLngUserVariableResolver)(int textId, const wchar_t* currentText, ustr* replacement);
 // Installs the resolver (null: none, as when the main module is not
 // loaded) and returns the previous one.
-QT_API QtLngUserVariableResolver qt_lng_set_user_variable_resolver(QtLngUserVariableResolver resolver);
+QtLngUserVariableResolver qt_lng_set_user_variable_resolver(QtLngUserVariableResolver resolver);
 
 #endif

@@ -8,6 +8,7 @@
 #include "settings/logging_internal.h"
 #include "settings/logging_platform.h"
 #include "ustr.h"
+#include "core/boundary.h"
 
 namespace qt {
 namespace logging {
@@ -32,48 +33,56 @@ Logging::~Logging() {
 }
 
 void Logging::Init(const wchar_t* fileName, Callback callback, bool debugOutput) {
-  if (debugOutput) m_sinks |= SinkDebugger;
-  if (fileName && *fileName) {
-    FILE* file = qt::logplatform::OpenLogFile(fileName);
-    if (file) {
-      // A second file takes over from the first. The first is closed rather
-      // than left open: every piece was flushed already, so nothing is lost,
-      // and no handle stays behind for the life of the process.
-      if (m_file) std::fclose(m_file);
-      m_file = file;
-      m_sinks |= SinkFile;
-      const unsigned char bom[2] = {0xFF, 0xFE};
-      std::fwrite(bom, 1, sizeof bom, m_file);
-      std::fflush(m_file);
+  qt::NoThrowVoid("Logging::Init", [&] {
+    if (debugOutput) m_sinks |= SinkDebugger;
+    if (fileName && *fileName) {
+      FILE* file = qt::logplatform::OpenLogFile(fileName);
+      if (file) {
+        // A second file takes over from the first. The first is closed rather
+        // than left open: every piece was flushed already, so nothing is lost,
+        // and no handle stays behind for the life of the process.
+        if (m_file) std::fclose(m_file);
+        m_file = file;
+        m_sinks |= SinkFile;
+        const unsigned char bom[2] = {0xFF, 0xFE};
+        std::fwrite(bom, 1, sizeof bom, m_file);
+        std::fflush(m_file);
+      }
     }
-  }
-  if (callback) {
-    m_callback = callback;
-    m_sinks |= SinkCallback;
-  }
+    if (callback) {
+      m_callback = callback;
+      m_sinks |= SinkCallback;
+    }
+  });
 }
 
 void Logging::output(const wchar_t* text) {
-  qt::logging::AnyOutputSeen() = true;
-  if (!qt::logging::GlobalSwitch() || !m_enabled) return;
-  if (m_sinks & SinkFile) outputFile(text);
-  if (m_sinks & SinkDebugger) outputVS(text);
-  if (m_sinks & SinkCallback) outputFunc(text);
+  qt::NoThrowVoid("Logging::output", [&] {
+    qt::logging::AnyOutputSeen() = true;
+    if (!qt::logging::GlobalSwitch() || !m_enabled) return;
+    if (m_sinks & SinkFile) outputFile(text);
+    if (m_sinks & SinkDebugger) outputVS(text);
+    if (m_sinks & SinkCallback) outputFunc(text);
+  });
 }
 
 void Logging::outputFile(const wchar_t* text) {
-  if (!m_file) return;
-  // Explicit UTF-16LE: the file is the same on both targets.
-  const std::string bytes = qn_wide_to_utf16le(text);
-  if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), m_file);
-  // Flushed piece by piece so that the log survives a crash of the host.
-  std::fflush(m_file);
+  qt::NoThrowVoid("Logging::outputFile", [&] {
+    if (!m_file) return;
+    // Explicit UTF-16LE: the file is the same on both targets.
+    const std::string bytes = qn_wide_to_utf16le(text);
+    if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), m_file);
+    // Flushed piece by piece so that the log survives a crash of the host.
+    std::fflush(m_file);
+  });
 }
 
 void Logging::outputVS(const wchar_t* text) { qt::logplatform::DebuggerOutput(text); }
 
 void Logging::outputFunc(const wchar_t* text) {
-  if (m_callback) m_callback(text);
+  qt::NoThrowVoid("Logging::outputFunc", [&] {
+    if (m_callback) m_callback(text);
+  });
 }
 
 // Numbers are formatted into buffers on the stack rather than the shared
@@ -115,12 +124,17 @@ Logging& Logging::operator<<(double value) {
 }
 
 Logging& Logging::operator<<(const char* text) {
-  if (!text) {
-    output(L"(null)");
-    return *this;
-  }
-  const std::wstring wide = qn_ansi_to_wide(text);
-  output(wide.c_str());
+  qt::NoThrowVoid("Logging::operator<<", [&] {
+    if (!text) {
+      output(L"(null)");
+      return;
+    }
+    const std::wstring wide = qn_ansi_to_wide(text);
+    // The converter answers empty text when memory runs out; a piece of log
+    // is then missing rather than shown wrong.
+    if (*text && wide.empty()) return;
+    output(wide.c_str());
+  });
   return *this;
 }
 

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt {
 namespace logging {
@@ -28,6 +27,6 @@ struct QtLogClock {
   __int64 (*counter)();
   __int64 (*ticks)();
 };
-QT_API void qt_logging_use_clock(const QtLogClock* clock);
+void qt_logging_use_clock(const QtLogClock* clock);
 
 #endif

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt_monitors {
 
@@ -42,22 +41,22 @@ struct MonitorInfo {
   std::wstring device;
 };
 
-QT_API int SystemMetrics(int index);
-QT_API HMONITOR RectMonitor(const RECT* rect, DWORD flags);
-QT_API HMONITOR PointMonitor(POINT point, DWORD flags);
-QT_API HMONITOR WindowMonitor(HWND window, DWORD flags);
-QT_API bool MonitorInfoOf(HMONITOR monitor, MonitorInfo* info);
+int SystemMetrics(int index);
+HMONITOR RectMonitor(const RECT* rect, DWORD flags);
+HMONITOR PointMonitor(POINT point, DWORD flags);
+HMONITOR WindowMonitor(HWND window, DWORD flags);
+bool MonitorInfoOf(HMONITOR monitor, MonitorInfo* info);
 // Calls back once per monitor with its rectangle; false from the callback
 // stops the walk.
 typedef bool (*MonitorCallback)(HMONITOR monitor, const RECT& rect, void* context);
-QT_API bool EnumMonitors(MonitorCallback callback, void* context);
+bool EnumMonitors(MonitorCallback callback, void* context);
 // The name of display device index, false past the last.
-QT_API bool DisplayDevice(DWORD index, std::wstring* name);
+bool DisplayDevice(DWORD index, std::wstring* name);
 
 // Makes the substitutes answer even where the real functions exist, so
 // that their rules can be checked on Windows too; returns the old setting.
-QT_API bool ForceSubstitutes(bool force);
-QT_API bool UsingSubstitutes();
+bool ForceSubstitutes(bool force);
+bool UsingSubstitutes();
 
 namespace platform {
 // Looks up the real functions by name; false (and nothing kept) when any

@@ -5,18 +5,17 @@
 
 #include <string>
 
-#include "quiltool_export.h"
 
 namespace qt {
 namespace qlg {
 
 // False when the file cannot be opened or read.
-QT_API bool ReadWholeFile(const wchar_t* path, std::string* bytes);
+bool ReadWholeFile(const wchar_t* path, std::string* bytes);
 // Writes a sibling temporary file and moves it over path, so a failed
 // write never leaves a half-written file behind.
-QT_API bool WriteWholeFile(const wchar_t* path, const std::string& bytes);
+bool WriteWholeFile(const wchar_t* path, const std::string& bytes);
 // The path as UTF-8, for messages.
-QT_API std::string PathForMessages(const wchar_t* path);
+std::string PathForMessages(const wchar_t* path);
 
 }  // namespace qlg
 }  // namespace qt

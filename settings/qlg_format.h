@@ -12,12 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "quiltool_export.h"
 
 namespace qt {
 namespace qlg {
 
-struct QT_API ParseError {
+struct ParseError {
   std::string file;
   int line = 0;  // 0: the file as a whole (unreadable, empty)
   std::string message;
@@ -31,7 +30,7 @@ struct Language {
   std::string name;  // English name, for people
 };
 
-struct QT_API Definition {
+struct Definition {
   int sourceLanguage = 0;  // the language of the defaults at every call site
   std::vector<Language> languages;
 
@@ -41,11 +40,11 @@ struct QT_API Definition {
   const Language* byCodeOrId(const std::string& codeOrId) const;
 };
 
-QT_API bool ParseDefinition(const char* data, size_t size, const std::string& fileName, Definition* out,
+bool ParseDefinition(const char* data, size_t size, const std::string& fileName, Definition* out,
                             ParseError* error);
 
 // Receives the parts of a .qlg file in file order.
-class QT_API QlgHandler {
+class QlgHandler {
  public:
   virtual ~QlgHandler() {}
   // A whole comment line, from its '#' on; `beforeHeader` for comments
@@ -61,12 +60,12 @@ class QT_API QlgHandler {
 
 // Checks the syntax, that every language is defined, that no text id and
 // no language within one text appears twice.
-QT_API bool ParseQlg(const char* data, size_t size, const std::string& fileName, const Definition& definition,
+bool ParseQlg(const char* data, size_t size, const std::string& fileName, const Definition& definition,
                      QlgHandler& handler, ParseError* error);
 
 // The quoted form of a text as the files write it (escapes for '\\', '"',
 // line breaks and tabs).
-QT_API std::string QuoteText(const std::string& utf8);
+std::string QuoteText(const std::string& utf8);
 
 }  // namespace qlg
 }  // namespace qt

@@ -10,10 +10,9 @@
 #include <memory>
 #include <string>
 
-#include "quiltool_export.h"
 
 // The reader's wide string.
-class QT_API CWsz {
+class CWsz {
  public:
   CWsz() {}
   CWsz(const wchar_t* text) { *this = text; }
@@ -31,7 +30,7 @@ class QT_API CWsz {
   std::wstring s_;
 };
 
-class QT_API CQlg {
+class CQlg {
  public:
   CQlg();
   ~CQlg();

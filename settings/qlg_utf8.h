@@ -7,25 +7,24 @@
 #include <cstddef>
 #include <string>
 
-#include "quiltool_export.h"
 
 namespace qt {
 namespace qlg {
 
 // Length of the valid UTF-8 prefix of [data, data + size): equal to size
 // when the whole range is valid (no overlong forms, no surrogates).
-QT_API size_t ValidUtf8Prefix(const char* data, size_t size);
+size_t ValidUtf8Prefix(const char* data, size_t size);
 
 // Converts UTF-8 into out, which has room for `size` units (never more
 // are needed); returns the units written. Invalid bytes become U+FFFD.
-QT_API size_t Utf8ToWideInto(const char* data, size_t size, wchar_t* out);
+size_t Utf8ToWideInto(const char* data, size_t size, wchar_t* out);
 // Appends UTF-8 to a wide string.
-QT_API void AppendUtf8AsWide(const char* data, size_t size, std::wstring* out);
-QT_API std::wstring Utf8ToWide(const std::string& utf8);
+void AppendUtf8AsWide(const char* data, size_t size, std::wstring* out);
+std::wstring Utf8ToWide(const std::string& utf8);
 
 // Unpaired surrogates of UTF-16 become U+FFFD.
-QT_API std::string WideToUtf8(const wchar_t* text, size_t length);
-QT_API std::string WideToUtf8(const std::wstring& text);
+std::string WideToUtf8(const wchar_t* text, size_t length);
+std::string WideToUtf8(const std::wstring& text);
 
 }  // namespace qlg
 }  // namespace qt

@@ -6,7 +6,6 @@
 #include <cstddef>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt_registry {
 
@@ -32,7 +31,7 @@ State& Reg();
 
 // Cuts the path to 259 characters, turns "/" into "\" and splits it at the
 // last "\" into key (kPathChars) and value (kPathChars).
-QT_API void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value);
+void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value);
 
 // Splits path into the shared buffers, opens its key for reading (under
 // root, or under the user application key) and asks the value's size.

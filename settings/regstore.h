@@ -50,33 +50,33 @@ const DWORD kKeyAllAccess = 0x000F003F;
 
 // RegOpenKeyExW / RegCreateKeyExW (non-volatile, empty class). An empty
 // subKey opens a new handle to parent itself.
-QT_API long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key);
-QT_API long CreateKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key);
-QT_API long CloseKey(HKEY key);
-QT_API long FlushKey(HKEY key);
+long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key);
+long CreateKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key);
+long CloseKey(HKEY key);
+long FlushKey(HKEY key);
 
 // RegQueryValueExW: with data null only type and size are reported; a
 // buffer that is too small gives kMoreData and the size needed.
-QT_API long QueryValue(HKEY key, const wchar_t* name, DWORD* type, BYTE* data, DWORD* size);
-QT_API long SetValue(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD size);
-QT_API long DeleteValue(HKEY key, const wchar_t* name);
+long QueryValue(HKEY key, const wchar_t* name, DWORD* type, BYTE* data, DWORD* size);
+long SetValue(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD size);
+long DeleteValue(HKEY key, const wchar_t* name);
 // RegDeleteKeyW: the subkey (or, for an empty name, the key itself) must
 // have no subkeys.
-QT_API long DeleteKey(HKEY key, const wchar_t* subKey);
+long DeleteKey(HKEY key, const wchar_t* subKey);
 
 // RegQueryInfoKeyW; name lengths in characters without the terminator.
-QT_API long QueryInfo(HKEY key, DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* values, DWORD* maxValueNameLength);
+long QueryInfo(HKEY key, DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* values, DWORD* maxValueNameLength);
 // RegEnumKeyExW / RegEnumValueW by index; kNoMoreItems past the end.
 // Subkeys come in the registry's order (case-insensitive alphabetical),
 // values in the order they were first written.
-QT_API long EnumKey(HKEY key, DWORD index, std::wstring* name);
-QT_API long EnumValue(HKEY key, DWORD index, std::wstring* name, DWORD* type, std::vector<BYTE>* data);
+long EnumKey(HKEY key, DWORD index, std::wstring* name);
+long EnumValue(HKEY key, DWORD index, std::wstring* name, DWORD* type, std::vector<BYTE>* data);
 
 // Marks a group of reads that belong together (Linux: they share one read
 // transaction and see one state of the store). Groups nest; a write ends
 // the shared transaction early. Windows has nothing to group.
-QT_API void BeginRead();
-QT_API void EndRead();
+void BeginRead();
+void EndRead();
 struct ReadScope {
   ReadScope() { BeginRead(); }
   ~ReadScope() { EndRead(); }
@@ -92,31 +92,31 @@ struct ReadScope {
 // wide characters). Unlike RegGetValueW, the size asked for beforehand
 // always has room for the terminator, also for a text stored without one,
 // as SetStringAtt stores texts: the second call then gets the whole text.
-QT_API long GetSzValue(HKEY key, const wchar_t* name, wchar_t* buffer, DWORD* size);
+long GetSzValue(HKEY key, const wchar_t* name, wchar_t* buffer, DWORD* size);
 // %NAME% replaced from the environment (ExpandEnvironmentStringsW).
-QT_API std::wstring ExpandEnvironmentText(const std::wstring& text);
+std::wstring ExpandEnvironmentText(const std::wstring& text);
 
 // SetValue that stores exactly size bytes. The registry counts a
 // terminator the caller left out of a text's size whenever one follows the
 // data in memory; this passes the data with a guard character behind it.
-QT_API long SetValueExact(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD size);
+long SetValueExact(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD size);
 
 // A whole value, whatever its size.
-QT_API long ReadValue(HKEY key, const wchar_t* name, DWORD* type, std::vector<BYTE>* data);
+long ReadValue(HKEY key, const wchar_t* name, DWORD* type, std::vector<BYTE>* data);
 // Deletes a key with everything below it.
-QT_API long DeleteTree(HKEY parent, const wchar_t* subKey);
+long DeleteTree(HKEY parent, const wchar_t* subKey);
 
 // Text in the registry's byte form: UTF-16 little-endian, characters
 // outside the BMP as surrogate pairs.
-QT_API std::vector<BYTE> ToUtf16Bytes(const std::wstring& text, bool terminator);
+std::vector<BYTE> ToUtf16Bytes(const std::wstring& text, bool terminator);
 // Decodes UTF-16LE up to the first zero character or the end.
-QT_API std::wstring FromUtf16Bytes(const BYTE* data, size_t size);
+std::wstring FromUtf16Bytes(const BYTE* data, size_t size);
 // Number of UTF-16 code units the text takes.
-QT_API size_t Utf16Length(const wchar_t* text);
+size_t Utf16Length(const wchar_t* text);
 
 // Linux only: the file holding a root's store ("" elsewhere, or for any
 // other root). Reads the environment the first time a store is used.
-QT_API std::string StoreFile(HKEY root);
+std::string StoreFile(HKEY root);
 
 }  // namespace qt_reg
 

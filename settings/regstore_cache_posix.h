@@ -111,15 +111,15 @@ class ReadCache {
 
 // Test seams, not for callers.
 // Statements the store has run in this process.
-QT_API unsigned long long StoreStatementCount();
+unsigned long long StoreStatementCount();
 // How often a process looks at the store's files for changes made behind
 // the library's back, in milliseconds (0 on every call, -1 never).
 // Returns the previous setting.
-QT_API int SetStoreRecheckInterval(int ms);
+int SetStoreRecheckInterval(int ms);
 // Called inside every write: after it is announced, and after it is
 // committed but before the counter says so.
 enum WriteStage { kWriteAnnounced = 1, kWriteCommitted = 2 };
-QT_API void SetStoreWriteHook(void (*hook)(int stage));
+void SetStoreWriteHook(void (*hook)(int stage));
 
 }  // namespace qt_reg
 

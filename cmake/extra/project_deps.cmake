@@ -3,5 +3,5 @@
 if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(QT_SODIUM REQUIRED IMPORTED_TARGET libsodium)
-  target_link_libraries(quiltool PRIVATE PkgConfig::QT_SODIUM)
+  target_link_libraries(quiltool_build_usage INTERFACE PkgConfig::QT_SODIUM)
 endif()
