@@ -4,9 +4,9 @@
 #include "core/text_platform.h"
 #include "ustr.h"
 
-wchar_t qn_charupper(wchar_t c) { return qt::text::platform::CharUpper(c); }
+wchar_t qn_charupper(wchar_t c) { return qt::text::platform::UpperCase(c); }
 
-wchar_t qn_charlower(wchar_t c) { return qt::text::platform::CharLower(c); }
+wchar_t qn_charlower(wchar_t c) { return qt::text::platform::LowerCase(c); }
 
 // The default length means "up to the first zero", which is left out.
 std::wstring qn_ansi_to_wide(const char* text, size_t length) {

@@ -14,8 +14,8 @@ namespace platform {
 // One character upper- or lower-cased. Windows: CharUpperW / CharLowerW.
 // Linux: ASCII by hand, the rest by towupper_l / towlower_l in the C.UTF-8
 // locale, so that the process's own locale plays no part.
-wchar_t CharUpper(wchar_t c);
-wchar_t CharLower(wchar_t c);
+wchar_t UpperCase(wchar_t c);
+wchar_t LowerCase(wchar_t c);
 // length characters of 8-bit text (never null) as wide text, and back.
 // Windows: the ANSI code page (MultiByteToWideChar / WideCharToMultiByte
 // with CP_ACP; what has no form there becomes the code page's default

@@ -18,13 +18,13 @@ locale_t Utf8Locale() {
 
 }  // namespace
 
-wchar_t CharUpper(wchar_t c) {
+wchar_t UpperCase(wchar_t c) {
   if (c < 0x80) return (c >= L'a' && c <= L'z') ? static_cast<wchar_t>(c - 32) : c;
   locale_t loc = Utf8Locale();
   return loc ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), loc)) : c;
 }
 
-wchar_t CharLower(wchar_t c) {
+wchar_t LowerCase(wchar_t c) {
   if (c < 0x80) return (c >= L'A' && c <= L'Z') ? static_cast<wchar_t>(c + 32) : c;
   locale_t loc = Utf8Locale();
   return loc ? static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), loc)) : c;

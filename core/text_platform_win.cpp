@@ -8,12 +8,12 @@ namespace qt {
 namespace text {
 namespace platform {
 
-wchar_t CharUpper(wchar_t c) {
+wchar_t UpperCase(wchar_t c) {
   // CharUpperW converts a single character when the high word is zero.
   return static_cast<wchar_t>(reinterpret_cast<ULONG_PTR>(CharUpperW(reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<unsigned short>(c))))));
 }
 
-wchar_t CharLower(wchar_t c) {
+wchar_t LowerCase(wchar_t c) {
   return static_cast<wchar_t>(reinterpret_cast<ULONG_PTR>(CharLowerW(reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<unsigned short>(c))))));
 }
 
