@@ -57,14 +57,16 @@ QT_API std::string qn_wide_to_utf8(const wchar_t* text, size_t length = static_c
 // its three-byte form comes back as U+FFFD: only well-formed text makes the
 // round trip through UTF-8.
 //
-// This is the decoder for text that is shown, logged or handed on: the
-// 8-bit arguments of the library on Linux (qn_ansi_to_wide), user and file
-// names from the system, command-line arguments.
+// This is the decoder for text that is shown, logged or handed on. On Linux
+// qn_ansi_to_wide is this function, so it serves every 8-bit argument of
+// the library, the 8-bit log, user and module names from the system, texts
+// read back from the settings store and the program's arguments.
 QT_API std::wstring qn_utf8_to_wide(const char* text, size_t length = static_cast<size_t>(-1));
-// The same decoder for formats that must be exact, where a changed
-// character would rename something (key and value names read from a file,
-// records compared byte for byte): false, and out left empty, when the
-// input holds anything ill-formed. A null text is the empty text.
+// The same decoder for formats that must be exact, where a U+FFFD would
+// rename something: false, and out left empty, when the input holds
+// anything ill-formed. A null text is the empty text. A registry file read
+// on Linux, whose 8-bit text is UTF-8 there, is such a format: an ill-formed
+// key name must be refused with its line, not imported under another name.
 QT_API bool qn_utf8_to_wide_strict(const char* text, size_t length, std::wstring* out);
 
 #endif
