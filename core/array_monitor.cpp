@@ -1,4 +1,5 @@
 #include "core/array_monitor.h"
+#include "core/array_monitor_platform.h"
 
 #include <cwchar>
 
@@ -26,14 +27,14 @@ void ArrayInitialized() {
   State& m = Monitor();
   if (!m.window) return;
   ++m.count;
-  ShowCount(m.window, m.count);
+  qt::array_monitor::platform::ShowCount(m.window, m.count);
 }
 
 void ArrayReleased() {
   State& m = Monitor();
   if (!m.window) return;
   --m.count;
-  ShowCount(m.window, m.count);
+  qt::array_monitor::platform::ShowCount(m.window, m.count);
 }
 
 void FormatCount(long count, wchar_t* buffer, int size) {
@@ -51,7 +52,7 @@ HWND gwarray_debugwnd_create(HINSTANCE instance, int x, int y) {
   qt::array_monitor::State& m = qt::array_monitor::Monitor();
   if (m.window) return m.window;
   if (!instance) instance = qt::Frame().instance;
-  m.window = qt::array_monitor::OpenWindow(instance, x, y, m.count);
+  m.window = qt::array_monitor::platform::OpenWindow(instance, x, y, m.count);
   return m.window;
 }
 
@@ -62,7 +63,7 @@ HWND qt_array_monitor_window() { return qt::array_monitor::Monitor().window; }
 void qt_array_monitor_close() {
   const HWND window = qt::array_monitor::Monitor().window;
   if (!window) return;
-  qt::array_monitor::DestroyMonitor(window);
+  qt::array_monitor::platform::DestroyMonitor(window);
   // A platform that did not report the close must not leave a dead handle.
   qt::array_monitor::WindowClosed(window);
 }

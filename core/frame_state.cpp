@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "core/platform.h"
+#include "core/window_class_platform.h"
 
 namespace qt {
 
@@ -23,7 +23,7 @@ void ProcessAttach(HMODULE instance) {
   f.messageBoxMode = false;
   f.errorHook = nullptr;
   f.messageBoxTitle = L"Quillon";
-  platform::RegisterListHeaderClass(instance);
+  window_class::platform::RegisterListHeaderClass(instance);
 }
 
 void ProcessDetach() { gwrelease(); }

@@ -1,5 +1,5 @@
 // Shared pens and brushes in system colours, at most 20 of each.
-#include "core/platform.h"
+#include "core/gdi_platform.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ struct Cache {
   }
 
   void release() {
-    for (short i = 0; i < count; ++i) qt::platform::DeleteGraphicsObject(entries[i].object);
+    for (short i = 0; i < count; ++i) qt::gdi::platform::DeleteGraphicsObject(entries[i].object);
     count = 0;
   }
 };
@@ -45,9 +45,9 @@ Cache<HBRUSH>& Brushes() {
 
 }  // namespace
 
-HPEN gwpen(int sysColorIndex) { return Pens().get(sysColorIndex, qt::platform::CreateSysColorPen); }
+HPEN gwpen(int sysColorIndex) { return Pens().get(sysColorIndex, qt::gdi::platform::CreateSysColorPen); }
 
-HBRUSH gwbrush(int sysColorIndex) { return Brushes().get(sysColorIndex, qt::platform::CreateSysColorBrush); }
+HBRUSH gwbrush(int sysColorIndex) { return Brushes().get(sysColorIndex, qt::gdi::platform::CreateSysColorBrush); }
 
 void gwrelease() {
   Pens().release();

@@ -3,11 +3,12 @@
 #include <cstdio>
 
 #include "core/frame_state.h"
+#include "core/gmem_platform.h"
 #include "gwframe.h"
 
 namespace {
 
-QtGmemCalls g_calls = *qt_gmem_default_calls();
+QtGmemCalls g_calls = *qt::gmem::platform::DefaultCalls();
 
 QtGmemCalls& Calls() { return g_calls; }
 
@@ -21,6 +22,8 @@ void* ReportOutOfMemory(const char* format, int tag) {
 }  // namespace
 
 QtGmemCalls* qt_gmem_calls() { return &Calls(); }
+
+const QtGmemCalls* qt_gmem_default_calls() { return qt::gmem::platform::DefaultCalls(); }
 
 size_t qt_gmem_size(const void* pointer) {
   if (!pointer) return 0;

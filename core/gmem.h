@@ -1,11 +1,8 @@
 // Movable global-memory blocks behind the gwG* helpers.
 //
 // The calls go through a table so that a test can make a chosen call fail,
-// as it would when memory runs out. Windows fills the table with GlobalAlloc
-// and kin. Linux keeps heap blocks registered by their pointer; a block may
-// hold hidden room beyond its size so that growing it one record at a time
-// costs amortised constant time, while GlobalSize-style accounting (and so
-// every caller) sees exactly the size asked for.
+// as it would when memory runs out; each target's table and its rules are
+// in core/gmem_platform.h.
 #ifndef QUILTOOL_CORE_GMEM_H
 #define QUILTOOL_CORE_GMEM_H
 

@@ -1,7 +1,7 @@
 #include <cwchar>
 
 #include "core/frame_state.h"
-#include "core/platform.h"
+#include "core/module_platform.h"
 #include "gwframe.h"
 #include "core/boundary.h"
 
@@ -11,9 +11,9 @@ const int kNameBuffer = 260;
 
 int DirectoryInto(HMODULE module, wchar_t* buffer, int size) {
   std::wstring name;
-  if (!qt::platform::ModuleFileName(module ? module : qt::Frame().instance, &name)) return -1;
+  if (!qt::module::platform::ModuleFileName(module ? module : qt::Frame().instance, &name)) return -1;
   if (name.size() >= static_cast<size_t>(kNameBuffer)) name.resize(kNameBuffer - 1);
-  const size_t cut = name.rfind(qt::platform::PathSeparator());
+  const size_t cut = name.rfind(qt::module::platform::PathSeparator());
   if (cut != std::wstring::npos) name.resize(cut);
   if (buffer && size > 0) {
     buffer[0] = 0;
@@ -64,7 +64,7 @@ int GetModuleDirectory(HMODULE module, const wchar_t* tail, ustr& result) {
 int GetModuleDirectory(const wchar_t* moduleFileName, const wchar_t* tail, wchar_t* buffer, int size) {
   return qt::NoThrow<int>("GetModuleDirectory", -1, [&]() -> int {
     // A name that is not loaded resolves to null, which is this library.
-    HMODULE module = moduleFileName ? qt::platform::LoadedModule(moduleFileName) : nullptr;
+    HMODULE module = moduleFileName ? qt::module::platform::LoadedModule(moduleFileName) : nullptr;
     return WithTail(module, tail, buffer, size);
   });
 }

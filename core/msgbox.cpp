@@ -2,7 +2,7 @@
 // caption, blocks the whole task when there is no owner and gives the focus
 // back afterwards.
 #include "core/frame_state.h"
-#include "core/platform.h"
+#include "core/msgbox_platform.h"
 #include "Lng.h"
 #include "qn_presenter.h"
 #include "core/boundary.h"
@@ -11,7 +11,7 @@ namespace {
 
 QnMessagePresenter* g_presenter = nullptr;
 
-QnMessagePresenter& Presenter() { return g_presenter ? *g_presenter : qt::platform::DefaultPresenter(); }
+QnMessagePresenter& Presenter() { return g_presenter ? *g_presenter : qt::msgbox::platform::DefaultPresenter(); }
 
 int ShowBox(HWND owner, Lng::AppID app, const wchar_t* text, unsigned int style) {
   ustr appTitle;
@@ -21,9 +21,9 @@ int ShowBox(HWND owner, Lng::AppID app, const wchar_t* text, unsigned int style)
     title = appTitle.c_str();
   }
   if (!owner) style |= MB_TASKMODAL;
-  HWND focused = qt::platform::FocusedWindow();
+  HWND focused = qt::msgbox::platform::FocusedWindow();
   const int result = Presenter().showMessage(owner, text ? text : L"", title, style);
-  qt::platform::RestoreFocus(focused);
+  qt::msgbox::platform::RestoreFocus(focused);
   return result;
 }
 
@@ -53,9 +53,9 @@ void gwmsg(HWND owner, const char* text) {
     // character only ("Q"). Callers have seen it so for years; it stays.
     const char* title = reinterpret_cast<const char*>(qt::Frame().messageBoxTitle);
     const unsigned int style = owner ? MB_ICONINFORMATION : (MB_ICONINFORMATION | MB_TASKMODAL);
-    HWND focused = qt::platform::FocusedWindow();
+    HWND focused = qt::msgbox::platform::FocusedWindow();
     Presenter().showMessageA(owner, text ? text : "", title, style);
-    qt::platform::RestoreFocus(focused);
+    qt::msgbox::platform::RestoreFocus(focused);
   });
 }
 

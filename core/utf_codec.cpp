@@ -1,6 +1,7 @@
 // The library's one Unicode codec. It decides by the width of wchar_t, not
 // by platform, so the same source gives the same bytes on both targets.
 #include "qn_utf.h"
+
 #include "core/boundary.h"
 
 #include <cwchar>
@@ -151,37 +152,89 @@ std::string qn_wide_to_utf8(const wchar_t* text, size_t length, unsigned flags) 
   });
 }
 
+namespace {
+
+// Lowest and highest second byte a lead byte allows; zero for a byte that
+// starts nothing. The narrow ranges after E0, ED, F0 and F4 keep out
+// overlong forms, surrogates and values beyond U+10FFFF.
+void SecondByteRange(unsigned char lead, unsigned char* low, unsigned char* high) {
+  *low = 0x80;
+  *high = 0xBF;
+  if (lead == 0xE0) *low = 0xA0;
+  if (lead == 0xED) *high = 0x9F;
+  if (lead == 0xF0) *low = 0x90;
+  if (lead == 0xF4) *high = 0x8F;
+  if (lead < 0xC2 || lead > 0xF4) *low = *high = 0;
+}
+
+void PutWide(std::wstring& out, char32_t cp) {
+  if (kWide16 && cp > 0xFFFF) {
+    out += static_cast<wchar_t>(0xD800 | ((cp - 0x10000) >> 10));
+    out += static_cast<wchar_t>(0xDC00 | ((cp - 0x10000) & 0x3FF));
+  } else {
+    out += static_cast<wchar_t>(cp);
+  }
+}
+
+// Decodes well-formed UTF-8; each maximal ill-formed part (a byte that
+// starts nothing, or the longest start of a sequence that breaks off)
+// becomes one U+FFFD. Returns how many parts were ill-formed.
+size_t DecodeUtf8(const unsigned char* s, size_t n, std::wstring& out) {
+  size_t bad = 0;
+  out.reserve(n);
+  for (size_t i = 0; i < n;) {
+    const unsigned char lead = s[i];
+    if (lead < 0x80) {
+      out += static_cast<wchar_t>(lead);
+      ++i;
+      continue;
+    }
+    const int extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+    unsigned char low = 0, high = 0;
+    SecondByteRange(lead, &low, &high);
+    char32_t cp = lead & (0x3Fu >> extra);
+    size_t j = i + 1;
+    int taken = 0;
+    for (; taken < extra && j < n; ++taken, ++j) {
+      const unsigned char b = s[j];
+      if (taken == 0 ? (b < low || b > high) : (b & 0xC0) != 0x80) break;
+      cp = (cp << 6) | (b & 0x3F);
+    }
+    if (high == 0 || taken < extra) {
+      out += static_cast<wchar_t>(kReplacement);
+      ++bad;
+      i = high == 0 ? i + 1 : j;
+      continue;
+    }
+    PutWide(out, cp);
+    i = j;
+  }
+  return bad;
+}
+
+size_t Utf8Length(const char* text, size_t length) {
+  return length == static_cast<size_t>(-1) ? std::char_traits<char>::length(text) : length;
+}
+
+}  // namespace
+
 std::wstring qn_utf8_to_wide(const char* text, size_t length) {
   return qt::NoThrow<std::wstring>("qn_utf8_to_wide", std::wstring(), [&]() -> std::wstring {
     std::wstring out;
     if (!text) return out;
-    const unsigned char* s = reinterpret_cast<const unsigned char*>(text);
-    const size_t n = length == static_cast<size_t>(-1) ? std::char_traits<char>::length(text) : length;
-    out.reserve(n);
-    for (size_t i = 0; i < n;) {
-      const char32_t c = s[i];
-      const int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : 0;
-      bool complete = extra > 0 && i + extra < n;
-      for (int k = 1; complete && k <= extra; ++k) complete = (s[i + k] & 0xC0) == 0x80;
-      if (!complete) {
-        out += static_cast<wchar_t>(c);
-        ++i;
-        continue;
-      }
-      char32_t cp = c & (0x3Fu >> extra);
-      for (int k = 1; k <= extra; ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
-      i += 1 + extra;
-      if (kWide16 && cp > 0xFFFF) {
-        if (cp > 0x10FFFF) {
-          out += static_cast<wchar_t>(kReplacement);
-        } else {
-          out += static_cast<wchar_t>(0xD800 | ((cp - 0x10000) >> 10));
-          out += static_cast<wchar_t>(0xDC00 | ((cp - 0x10000) & 0x3FF));
-        }
-      } else {
-        out += static_cast<wchar_t>(cp);
-      }
-    }
+    DecodeUtf8(reinterpret_cast<const unsigned char*>(text), Utf8Length(text, length), out);
     return out;
+  });
+}
+
+bool qn_utf8_to_wide_strict(const char* text, size_t length, std::wstring* out) {
+  return qt::NoThrow<bool>("qn_utf8_to_wide_strict", false, [&]() -> bool {
+    if (!out) return false;
+    out->clear();
+    if (!text) return true;
+    std::wstring decoded;
+    if (DecodeUtf8(reinterpret_cast<const unsigned char*>(text), Utf8Length(text, length), decoded) != 0) return false;
+    out->swap(decoded);
+    return true;
   });
 }

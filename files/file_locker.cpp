@@ -55,7 +55,7 @@ void FileLocker::ShowFailure(const ustr& text, const ustr& file, const ustr& det
   if (m_lockedMessage.empty()) return;
   ustr message = text + L"\r\n\r\n" + file;
   if (!detail.empty()) message += L"\r\n\r\n" + detail;
-  gwmsg(qt::sharing::ForegroundWindow(), message.c_str());
+  gwmsg(qt::file_sharing::platform::ForegroundWindow(), message.c_str());
 }
 
 bool FileLocker::Lock(ustr file) {
@@ -80,7 +80,7 @@ bool FileLocker::Lock(ustr file) {
       default:
         break;
     }
-    qt::sharing::WaitCursor wait;
+    qt::file_sharing::platform::WaitCursor wait;
     if (!SyncFile(file.c_str(), false)) {
       ShowFailure(Lng::text(Lng::APP_QNC, 60336, L"Quillon cannot synchronize the file. Try to do it manually."), file,
                   ustr());
@@ -98,7 +98,7 @@ bool FileLocker::Lock(ustr file) {
 bool FileLocker::Unlock() {
   if (!m_locked) return true;
   try {
-    qt::sharing::WaitCursor wait;
+    qt::file_sharing::platform::WaitCursor wait;
     if (!UnlockFile(m_lockedFile.c_str())) return false;
     SyncFile(m_lockedFile.c_str(), false);
     m_locked = false;

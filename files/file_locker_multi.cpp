@@ -58,7 +58,7 @@ bool MultiFileLocker::Lock(const std::vector<ustr>& files, int mode) {
         if (!text.empty()) text += L"\r\n\r\n";
         text += Lng::text(Lng::APP_QNC, 607, L"File not found") + L"\r\n\r\n" + Lines(missing);
       }
-      gwmsg(qt::sharing::ForegroundWindow(), text.c_str());
+      gwmsg(qt::file_sharing::platform::ForegroundWindow(), text.c_str());
     }
     Unlock();
     return false;

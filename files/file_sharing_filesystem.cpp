@@ -29,18 +29,18 @@ class FileSystemService : public SharingService {
   bool Init(const ustr& file) override {
     const std::wstring full = AbsoluteName(file);
     size_t cut = full.size();
-    while (cut > 0 && !qt::sharing::IsSeparator(full[cut - 1])) --cut;
+    while (cut > 0 && !qt::file_sharing::platform::IsSeparator(full[cut - 1])) --cut;
     folder_ = full.substr(0, cut);
     return FileExists(file);
   }
 
-  bool FileExists(const ustr& file) override { return !file.empty() && qt::sharing::IsRegularFile(AbsoluteName(file)); }
+  bool FileExists(const ustr& file) override { return !file.empty() && qt::file_sharing::platform::IsRegularFile(AbsoluteName(file)); }
 
   int LockState(const ustr& file, ustr* owner) override {
     if (file.empty()) return FileSharingServiceManager::LockStateUnknown;
     const std::wstring lockFile = LockFileOf(file);
     if (HoldsLock(lockFile)) {
-      if (owner) *owner = qt::sharing::CurrentUserName();
+      if (owner) *owner = qt::file_sharing::platform::CurrentUserName();
       return FileSharingServiceManager::LockStateLockedByMe;
     }
     ustr holder;
@@ -57,7 +57,7 @@ class FileSystemService : public SharingService {
       std::wstring name;
       // The name written into the lock file stands in when the file system
       // cannot tell its owner.
-      *owner = qt::sharing::FileOwnerName(lockFile, &name) && !name.empty() ? ustr(name) : holder;
+      *owner = qt::file_sharing::platform::FileOwnerName(lockFile, &name) && !name.empty() ? ustr(name) : holder;
     }
     return FileSharingServiceManager::LockStateLockedByOther;
   }
@@ -68,7 +68,7 @@ class FileSystemService : public SharingService {
   bool Lock(const ustr& file) override {
     const std::wstring lockFile = LockFileOf(file);
     if (HoldsLock(lockFile)) return true;
-    const std::wstring user = qt::sharing::CurrentUserName();
+    const std::wstring user = qt::file_sharing::platform::CurrentUserName();
     gwflocktype record;
     gwflock_init(&record);
     if (gwflock_lockw(nullptr, &record, lockFile.c_str(), user.c_str(), nullptr, 0) != 0) return false;
@@ -77,7 +77,7 @@ class FileSystemService : public SharingService {
     // ours; should somebody slip in meanwhile, they hold the file and we
     // do not.
     std::wstring fileOwner;
-    if (qt::sharing::FileOwnerName(lockFile, &fileOwner) && !user.empty() && fileOwner != user) {
+    if (qt::file_sharing::platform::FileOwnerName(lockFile, &fileOwner) && !user.empty() && fileOwner != user) {
       gwflock_unlock(&record);
       if (gwflock_lockw(nullptr, &record, lockFile.c_str(), user.c_str(), nullptr, 0) != 0) return false;
     }
@@ -92,7 +92,7 @@ class FileSystemService : public SharingService {
   ustr RelativeName(const ustr& file) override {
     const std::wstring full = AbsoluteName(file);
     if (!folder_.empty() && full.size() > folder_.size() &&
-        qt::sharing::FileNameKey(full.substr(0, folder_.size())) == qt::sharing::FileNameKey(folder_)) {
+        qt::file_sharing::platform::FileNameKey(full.substr(0, folder_.size())) == qt::file_sharing::platform::FileNameKey(folder_)) {
       return full.substr(folder_.size());
     }
     return full;

@@ -31,20 +31,20 @@ struct ReleaseAtUnload {
 }  // namespace
 
 bool HoldsLock(const std::wstring& lockFile) {
-  return Held().count(qt::sharing::FileNameKey(lockFile)) != 0;
+  return Held().count(qt::file_sharing::platform::FileNameKey(lockFile)) != 0;
 }
 
 void AddHeldLock(const std::wstring& lockFile, gwflocktype* record) {
   std::unique_ptr<gwflocktype> kept(new gwflocktype(*record));
   gwflock_init(record);
-  auto& slot = Held()[qt::sharing::FileNameKey(lockFile)];
+  auto& slot = Held()[qt::file_sharing::platform::FileNameKey(lockFile)];
   if (slot) gwflock_unlock(slot.get());
   slot = std::move(kept);
 }
 
 bool ReleaseHeldLock(const std::wstring& lockFile) {
   auto& map = Held();
-  const auto it = map.find(qt::sharing::FileNameKey(lockFile));
+  const auto it = map.find(qt::file_sharing::platform::FileNameKey(lockFile));
   if (it == map.end()) return false;
   gwflock_unlock(it->second.get());
   map.erase(it);

@@ -142,7 +142,7 @@ ustr FileSharingServiceManager::LockFileName(const wchar_t* file) {
   size_t dot = ustr::npos;
   for (size_t i = name.length(); i > 0; --i) {
     const wchar_t c = name.c_str()[i - 1];
-    if (qt::sharing::IsSeparator(c)) break;
+    if (qt::file_sharing::platform::IsSeparator(c)) break;
     if (c == L'.') {
       dot = i - 1;
       break;
@@ -161,6 +161,6 @@ ustr FileSharingServiceManager::LockFileName(const wchar_t* file) {
 
 ustr FileSharingServiceManager::GetFileOwner(const wchar_t* file) {
   std::wstring owner;
-  if (!file || !qt::sharing::FileOwnerName(file, &owner)) return ustr();
+  if (!file || !qt::file_sharing::platform::FileOwnerName(file, &owner)) return ustr();
   return ustr(owner);
 }

@@ -8,7 +8,8 @@
 #include "qn_wintypes.h"
 
 namespace qt {
-namespace sharing {
+namespace file_sharing {
+namespace platform {
 
 bool IsRegularFile(const std::wstring& name);
 // Windows: the account name of the owner SID (GetNamedSecurityInfoW,
@@ -38,7 +39,8 @@ class WaitCursor {
   void* previous_;
 };
 
-}  // namespace sharing
+}  // namespace platform
+}  // namespace file_sharing
 }  // namespace qt
 
 #endif

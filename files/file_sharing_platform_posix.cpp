@@ -9,7 +9,8 @@
 #include "ustr.h"
 
 namespace qt {
-namespace sharing {
+namespace file_sharing {
+namespace platform {
 
 namespace {
 
@@ -50,5 +51,6 @@ HWND ForegroundWindow() { return nullptr; }
 WaitCursor::WaitCursor() : previous_(nullptr) {}
 WaitCursor::~WaitCursor() {}
 
-}  // namespace sharing
+}  // namespace platform
+}  // namespace file_sharing
 }  // namespace qt

@@ -7,7 +7,8 @@
 #include "ustr.h"
 
 namespace qt {
-namespace sharing {
+namespace file_sharing {
+namespace platform {
 
 bool IsRegularFile(const std::wstring& name) {
   const DWORD attributes = GetFileAttributesW(name.c_str());
@@ -50,5 +51,6 @@ HWND ForegroundWindow() { return GetForegroundWindow(); }
 WaitCursor::WaitCursor() : previous_(SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)))) {}  // IDC_WAIT
 WaitCursor::~WaitCursor() { SetCursor(static_cast<HCURSOR>(previous_)); }
 
-}  // namespace sharing
+}  // namespace platform
+}  // namespace file_sharing
 }  // namespace qt

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "core/platform.h"
+#include "core/msgbox_platform.h"
 #include "gwframe.h"
 #include "qn_presenter.h"
 
@@ -16,7 +16,7 @@ namespace {
 QnMessagePresenter& CurrentPresenter() {
   QnMessagePresenter* installed = qn_set_message_presenter(nullptr);
   qn_set_message_presenter(installed);
-  return installed ? *installed : qt::platform::DefaultPresenter();
+  return installed ? *installed : qt::msgbox::platform::DefaultPresenter();
 }
 
 }  // namespace

@@ -49,11 +49,25 @@ QT_API size_t qn_utf16le_to_wide(const void* bytes, size_t size, wchar_t* out, s
 // pattern (which holds 21 bits; higher bits are lost).
 QT_API std::string qn_wide_to_utf8(const wchar_t* text, size_t length = static_cast<size_t>(-1),
                                    unsigned flags = 0);
-// UTF-8 as wide text. Forgiving: a byte that starts no complete sequence
-// (a lead byte and its 10xxxxxx continuation bytes) stands for the
-// character of the same value, as in Latin-1, and decoded values are not
-// checked further. Where wchar_t is 16 bits wide, characters beyond the BMP
-// become surrogate pairs and values beyond U+10FFFF become U+FFFD.
+// UTF-8 as wide text, the same characters on both targets. Ill-formed
+// input (bytes C0, C1 and F5-FF, overlong forms, surrogates, values beyond
+// U+10FFFF, a sequence cut short) becomes U+FFFD, one for each maximal
+// ill-formed part as Unicode recommends: "\xE2\x82" is one U+FFFD,
+// "\xFF\x98" two. Where wchar_t is 16 bits wide, characters beyond the BMP
+// become surrogate pairs. So a lone surrogate that qn_wide_to_utf8 wrote in
+// its three-byte form comes back as U+FFFD: only well-formed text makes the
+// round trip through UTF-8.
+//
+// This is the decoder for text that is shown, logged or handed on. On Linux
+// qn_ansi_to_wide is this function, so it serves every 8-bit argument of
+// the library, the 8-bit log, user and module names from the system, texts
+// read back from the settings store and the program's arguments.
 QT_API std::wstring qn_utf8_to_wide(const char* text, size_t length = static_cast<size_t>(-1));
+// The same decoder for formats that must be exact, where a U+FFFD would
+// rename something: false, and out left empty, when the input holds
+// anything ill-formed. A null text is the empty text. A registry file read
+// on Linux, whose 8-bit text is UTF-8 there, is such a format: an ill-formed
+// key name must be refused with its line, not imported under another name.
+QT_API bool qn_utf8_to_wide_strict(const char* text, size_t length, std::wstring* out);
 
 #endif

@@ -5,7 +5,7 @@
 
 #include "Lng.h"
 #include "Registry.h"
-#include "settings/lng_window.h"
+#include "settings/lng_window_platform.h"
 
 namespace {
 
@@ -19,7 +19,10 @@ bool ShowControlIds() {
 }  // namespace
 
 namespace qt {
-QnWindowPresenter& WindowPresenter() { return g_windowPresenter ? *g_windowPresenter : DefaultWindowPresenter(); }
+// The presenter in force: the installed one or the platform's.
+QnWindowPresenter& WindowPresenter() {
+  return g_windowPresenter ? *g_windowPresenter : lng_window::platform::DefaultWindowPresenter();
+}
 }  // namespace qt
 
 QnWindowPresenter* qn_set_window_presenter(QnWindowPresenter* presenter) {
@@ -54,7 +57,7 @@ void gwrenamewindow(HWND window, const wchar_t* name, const wchar_t* text) {
 
 void Lng::setdlgheader(HWND window, const wchar_t* text, AppID headerApp) {
   try {
-    qt::WindowPresenter().setSmallIcon(window, qt::AppSmallIcon());
+    qt::WindowPresenter().setSmallIcon(window, qt::lng_window::platform::AppSmallIcon());
     // The common module's dialogs carry the suite's own name.
     const ustr name = headerApp == APP_QNC ? ustr(L"Quillon") : GetAppName(headerApp, true);
     ustr caption(text);

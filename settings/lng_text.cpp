@@ -4,7 +4,7 @@
 
 #include "Lng.h"
 #include "Registry.h"
-#include "core/platform.h"
+#include "core/module_platform.h"
 #include "settings/lng_apptable.h"
 #include "settings/lng_internal.h"
 #include "settings/qlg_reader.h"
@@ -77,7 +77,7 @@ void Lng::init(short languageId) {
       state.initDone = true;
     }
     const ustr folder = LanguageFolder();
-    const wchar_t separator[2] = {qt::platform::PathSeparator(), 0};
+    const wchar_t separator[2] = {qt::module::platform::PathSeparator(), 0};
     const ustr definition = folder + separator + L"QuilQlg.ddq";
     for (int i = 0; i < qt::kAppRows; ++i) {
       const wchar_t* file = qt::kAppTable[i].languageFile;

@@ -36,7 +36,7 @@ void Logging::Init(const wchar_t* fileName, Callback callback, bool debugOutput)
   qt::NoThrowVoid("Logging::Init", [&] {
     if (debugOutput) m_sinks |= SinkDebugger;
     if (fileName && *fileName) {
-      FILE* file = qt::logplatform::OpenLogFile(fileName);
+      FILE* file = qt::logging::platform::OpenLogFile(fileName);
       if (file) {
         // A second file takes over from the first. The first is closed rather
         // than left open: every piece was flushed already, so nothing is lost,
@@ -77,7 +77,7 @@ void Logging::outputFile(const wchar_t* text) {
   });
 }
 
-void Logging::outputVS(const wchar_t* text) { qt::logplatform::DebuggerOutput(text); }
+void Logging::outputVS(const wchar_t* text) { qt::logging::platform::DebuggerOutput(text); }
 
 void Logging::outputFunc(const wchar_t* text) {
   qt::NoThrowVoid("Logging::outputFunc", [&] {

@@ -8,7 +8,8 @@
 #include "qn_wintypes.h"
 
 namespace qt {
-namespace logplatform {
+namespace logging {
+namespace platform {
 
 // Opens a file for binary writing, truncating it (_wfopen "wb"); null on
 // failure. Linux: the name converted to UTF-8.
@@ -25,7 +26,8 @@ __int64 Counter();
 // GetTickCount: milliseconds in 32 bits, wrapping after 49.7 days.
 __int64 TickCount();
 
-}  // namespace logplatform
+}  // namespace platform
+}  // namespace logging
 }  // namespace qt
 
 #endif

@@ -12,7 +12,8 @@
 #include "ustr.h"
 
 namespace qt {
-namespace logplatform {
+namespace logging {
+namespace platform {
 
 FILE* OpenLogFile(const wchar_t* fileName) {
   const std::string name = qn_wide_to_ansi(fileName);
@@ -58,5 +59,6 @@ __int64 TickCount() {
   return static_cast<__int64>(static_cast<uint32_t>(ms));
 }
 
-}  // namespace logplatform
+}  // namespace platform
+}  // namespace logging
 }  // namespace qt

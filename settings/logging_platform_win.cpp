@@ -5,7 +5,8 @@
 #include "settings/logging_platform.h"
 
 namespace qt {
-namespace logplatform {
+namespace logging {
+namespace platform {
 
 FILE* OpenLogFile(const wchar_t* fileName) { return _wfopen(fileName, L"wb"); }
 
@@ -26,5 +27,6 @@ __int64 Counter() {
 
 __int64 TickCount() { return static_cast<__int64>(GetTickCount()); }
 
-}  // namespace logplatform
+}  // namespace platform
+}  // namespace logging
 }  // namespace qt

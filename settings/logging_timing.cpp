@@ -6,8 +6,8 @@
 
 namespace {
 
-const QtLogClock kSystemClock = {&qt::logplatform::CounterFrequency, &qt::logplatform::Counter,
-                                 &qt::logplatform::TickCount};
+const QtLogClock kSystemClock = {&qt::logging::platform::CounterFrequency, &qt::logging::platform::Counter,
+                                 &qt::logging::platform::TickCount};
 
 struct Stopwatch {
   QtLogClock clock = kSystemClock;

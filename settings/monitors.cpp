@@ -1,8 +1,10 @@
 // Dispatch between the real monitor functions and the single-screen
 // substitutes, and the substitutes themselves.
 #include "settings/monitors.h"
+#include "settings/monitors_platform.h"
 
-namespace qt_monitors {
+namespace qt {
+namespace monitors {
 
 namespace {
 
@@ -98,4 +100,5 @@ bool DisplayDevice(DWORD index, std::wstring* name) {
   return true;
 }
 
-}  // namespace qt_monitors
+}  // namespace monitors
+}  // namespace qt

@@ -1,6 +1,7 @@
-// The monitor functions the window positions rely on. Windows resolves
-// them by name in "USER32" once; when any is missing (and always on Linux,
-// which has no windows) single-screen substitutes answer instead.
+// The monitor functions the window positions rely on. The real ones come
+// from the platform (settings/monitors_platform.h); when any is missing,
+// and always on Linux, which has no windows, single-screen substitutes
+// answer instead.
 #ifndef QUILTOOL_SETTINGS_MONITORS_H
 #define QUILTOOL_SETTINGS_MONITORS_H
 
@@ -8,7 +9,8 @@
 
 #include "qn_wintypes.h"
 
-namespace qt_monitors {
+namespace qt {
+namespace monitors {
 
 // The handle the substitutes give the one screen.
 inline HMONITOR PrimaryMonitor() { return reinterpret_cast<HMONITOR>(static_cast<ULONG_PTR>(0x12340042)); }
@@ -58,25 +60,7 @@ bool DisplayDevice(DWORD index, std::wstring* name);
 bool ForceSubstitutes(bool force);
 bool UsingSubstitutes();
 
-namespace platform {
-// Looks up the real functions by name; false (and nothing kept) when any
-// is missing.
-bool ResolveRealFunctions();
-int RealSystemMetrics(int index);
-HMONITOR RealMonitorFromRect(const RECT* rect, DWORD flags);
-HMONITOR RealMonitorFromPoint(POINT point, DWORD flags);
-HMONITOR RealMonitorFromWindow(HWND window, DWORD flags);
-bool RealMonitorInfo(HMONITOR monitor, MonitorInfo* info);
-bool RealEnumDisplayMonitors(MonitorCallback callback, void* context);
-bool RealEnumDisplayDevice(DWORD index, std::wstring* name);
-
-// What the substitutes build on: the system's own metrics, the work area
-// (SystemParametersInfoA(SPI_GETWORKAREA)) and a window's rectangle.
-int BaseSystemMetrics(int index);
-bool WorkArea(RECT* area);
-bool WindowRect(HWND window, RECT* rect);
-}  // namespace platform
-
-}  // namespace qt_monitors
+}  // namespace monitors
+}  // namespace qt
 
 #endif

@@ -43,16 +43,16 @@ TEST_F(RegistryOnWindows, RegExeReadsWhatTheWritersStored) {
 }
 
 TEST(MonitorsOnWindows, UserThirtyTwoHasThemAll) {
-  EXPECT_FALSE(qt_monitors::UsingSubstitutes());
+  EXPECT_FALSE(qt::monitors::UsingSubstitutes());
   const int width = GetSystemMetrics(SM_CXSCREEN);
-  EXPECT_EQ(qt_monitors::SystemMetrics(SM_CXSCREEN), width);
-  EXPECT_EQ(qt_monitors::SystemMetrics(SM_CMONITORS), GetSystemMetrics(SM_CMONITORS));
+  EXPECT_EQ(qt::monitors::SystemMetrics(SM_CXSCREEN), width);
+  EXPECT_EQ(qt::monitors::SystemMetrics(SM_CMONITORS), GetSystemMetrics(SM_CMONITORS));
   const RECT inside = {10, 10, 20, 20}, offScreen = {width + 5000, 0, width + 5100, 100};
-  EXPECT_EQ(qt_monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), MonitorFromRect(&inside, MONITOR_DEFAULTTONULL));
-  EXPECT_NE(qt_monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), nullptr);
-  EXPECT_EQ(qt_monitors::RectMonitor(&offScreen, MONITOR_DEFAULTTONULL), nullptr);
-  qt_monitors::MonitorInfo info;
-  ASSERT_TRUE(qt_monitors::MonitorInfoOf(qt_monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), &info));
+  EXPECT_EQ(qt::monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), MonitorFromRect(&inside, MONITOR_DEFAULTTONULL));
+  EXPECT_NE(qt::monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), nullptr);
+  EXPECT_EQ(qt::monitors::RectMonitor(&offScreen, MONITOR_DEFAULTTONULL), nullptr);
+  qt::monitors::MonitorInfo info;
+  ASSERT_TRUE(qt::monitors::MonitorInfoOf(qt::monitors::RectMonitor(&inside, MONITOR_DEFAULTTONULL), &info));
   EXPECT_EQ(info.monitor.right - info.monitor.left, width);
   EXPECT_FALSE(info.device.empty());
 }

@@ -273,18 +273,18 @@ TEST_F(Store, WindowPositionsCheckAScreenSizedByTheSettings) {
   EXPECT_FALSE(Reg_SetWindowPosOnly(nullptr, L"Other", someWindow, true));
   EXPECT_EQ(ReadRaw(HKEY_CURRENT_USER, under(L"Other"), L"Position").rc, qt_reg::kFileNotFound);
 
-  const bool wasForced = qt_monitors::ForceSubstitutes(true);
-  EXPECT_EQ(qt_monitors::SystemMetrics(qt_monitors::kCxScreen), 1920);
-  EXPECT_EQ(qt_monitors::SystemMetrics(qt_monitors::kCyScreen), 1080);
+  const bool wasForced = qt::monitors::ForceSubstitutes(true);
+  EXPECT_EQ(qt::monitors::SystemMetrics(qt::monitors::kCxScreen), 1920);
+  EXPECT_EQ(qt::monitors::SystemMetrics(qt::monitors::kCyScreen), 1080);
   ASSERT_EQ(WriteRaw(HKEY_LOCAL_MACHINE, L"Software\\QuilTool\\Display", L"ScreenWidth", REG_DWORD, {0x20, 3, 0, 0}), 0);
   ASSERT_EQ(WriteRaw(HKEY_CURRENT_USER, L"Software\\QuilTool\\Display", L"ScreenHeight", REG_DWORD, {0x58, 2, 0, 0}), 0);
-  EXPECT_EQ(qt_monitors::SystemMetrics(qt_monitors::kCxScreen), 800);
-  EXPECT_EQ(qt_monitors::SystemMetrics(qt_monitors::kCyScreen), 600);
+  EXPECT_EQ(qt::monitors::SystemMetrics(qt::monitors::kCxScreen), 800);
+  EXPECT_EQ(qt::monitors::SystemMetrics(qt::monitors::kCyScreen), 600);
   const RECT beyond = {850, 10, 900, 20};
-  EXPECT_EQ(qt_monitors::RectMonitor(&beyond, qt_monitors::kDefaultToNull), nullptr);
+  EXPECT_EQ(qt::monitors::RectMonitor(&beyond, qt::monitors::kDefaultToNull), nullptr);
   qt_reg::DeleteTree(HKEY_CURRENT_USER, L"Software\\QuilTool");
   qt_reg::DeleteTree(HKEY_LOCAL_MACHINE, L"Software\\QuilTool");
-  qt_monitors::ForceSubstitutes(wasForced);
+  qt::monitors::ForceSubstitutes(wasForced);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include "gwframe.h"
 #include "settings/monitors.h"
 #include "settings/reg_internal.h"
-#include "settings/window_pos.h"
+#include "settings/window_pos_platform.h"
+
+namespace wp = qt::window_pos::platform;
 
 namespace {
 
@@ -43,8 +45,8 @@ bool ReadNumber(HKEY root, const wchar_t* name, const wchar_t* value, int* numbe
 // The dialog frame plus the margin on each side, or false when the system
 // reports no frame.
 bool FrameMargins(int* cx, int* cy) {
-  const int frameX = qt_monitors::SystemMetrics(qt_monitors::kCxDlgFrame);
-  const int frameY = qt_monitors::SystemMetrics(qt_monitors::kCyDlgFrame);
+  const int frameX = qt::monitors::SystemMetrics(qt::monitors::kCxDlgFrame);
+  const int frameY = qt::monitors::SystemMetrics(qt::monitors::kCyDlgFrame);
   if (frameX == 0 || frameY == 0) return false;
   *cx = frameX + kMargin;
   *cy = frameY + kMargin;
@@ -52,7 +54,7 @@ bool FrameMargins(int* cx, int* cy) {
 }
 
 bool OnSomeMonitor(const RECT& rect) {
-  return qt_monitors::RectMonitor(&rect, qt_monitors::kDefaultToNull) != nullptr;
+  return qt::monitors::RectMonitor(&rect, qt::monitors::kDefaultToNull) != nullptr;
 }
 
 }  // namespace
@@ -80,11 +82,11 @@ bool Reg_GetWindowPos(HKEY root, const wchar_t* name, HWND window, RECT* rect, i
     if (!OnSomeMonitor(inner)) return false;
   }
   if (!window) return true;
-  if (!qt_window::Exists(window)) return false;
-  unsigned flags = qt_window::kNoZOrder | qt_window::kNoActivate | qt_window::kNoOwnerZOrder;
-  if (!qt_window::HasSizingBorder(window)) flags |= qt_window::kNoSize;
-  qt_window::Place(window, left, top, width, height, flags);
-  qt_window::Show(window, show);
+  if (!wp::Exists(window)) return false;
+  unsigned flags = wp::kNoZOrder | wp::kNoActivate | wp::kNoOwnerZOrder;
+  if (!wp::HasSizingBorder(window)) flags |= wp::kNoSize;
+  wp::Place(window, left, top, width, height, flags);
+  wp::Show(window, show);
   return true;
 }
 
@@ -104,16 +106,16 @@ bool Reg_GetWindowPosOnly(HKEY root, const wchar_t* name, HWND window, bool* min
   const RECT around = {x + cx, y + cy, x - cx, y - cy};
   if (!OnSomeMonitor(around)) return false;
   if (!window) return true;
-  if (!qt_window::Exists(window)) return false;
-  qt_window::Place(window, x, y, 0, 0,
-                   qt_window::kNoSize | qt_window::kNoZOrder | qt_window::kNoActivate | qt_window::kNoOwnerZOrder);
+  if (!wp::Exists(window)) return false;
+  wp::Place(window, x, y, 0, 0,
+                   wp::kNoSize | wp::kNoZOrder | wp::kNoActivate | wp::kNoOwnerZOrder);
   return true;
 }
 
 bool Reg_SetWindowPos(HKEY root, const wchar_t* name, HWND window) {
   RECT normal;
   int show = 0;
-  if (!qt_window::Exists(window) || !qt_window::RestoredPlacement(window, &normal, &show)) return false;
+  if (!wp::Exists(window) || !wp::RestoredPlacement(window, &normal, &show)) return false;
   wchar_t text[64];
   QN_swprintf_s(text, 64, L"%d %d %d %d", static_cast<int>(normal.left), static_cast<int>(normal.top),
                 static_cast<int>(normal.right - normal.left), static_cast<int>(normal.bottom - normal.top));
@@ -126,7 +128,7 @@ bool Reg_SetWindowPos(HKEY root, const wchar_t* name, HWND window) {
 bool Reg_SetWindowPosOnly(HKEY root, const wchar_t* name, HWND window, bool minMax) {
   RECT normal;
   int show = 0;
-  if (!qt_window::Exists(window) || !qt_window::RestoredPlacement(window, &normal, &show)) return false;
+  if (!wp::Exists(window) || !wp::RestoredPlacement(window, &normal, &show)) return false;
   wchar_t text[64];
   QN_swprintf_s(text, 64, L"%d %d", static_cast<int>(normal.left), static_cast<int>(normal.top));
   const bool position = WriteText(root, name, L"Position", text);

@@ -14,14 +14,14 @@ class WindowPositions : public reg_test::AppKeyTest {
  protected:
   void SetUp() override {
     AppKeyTest::SetUp();
-    wasForced_ = qt_monitors::ForceSubstitutes(true);
-    W = qt_monitors::SystemMetrics(qt_monitors::kCxScreen);
-    H = qt_monitors::SystemMetrics(qt_monitors::kCyScreen);
-    cx = qt_monitors::SystemMetrics(qt_monitors::kCxDlgFrame) + 40;
-    cy = qt_monitors::SystemMetrics(qt_monitors::kCyDlgFrame) + 40;
+    wasForced_ = qt::monitors::ForceSubstitutes(true);
+    W = qt::monitors::SystemMetrics(qt::monitors::kCxScreen);
+    H = qt::monitors::SystemMetrics(qt::monitors::kCyScreen);
+    cx = qt::monitors::SystemMetrics(qt::monitors::kCxDlgFrame) + 40;
+    cy = qt::monitors::SystemMetrics(qt::monitors::kCyDlgFrame) + 40;
   }
   void TearDown() override {
-    qt_monitors::ForceSubstitutes(wasForced_);
+    qt::monitors::ForceSubstitutes(wasForced_);
     AppKeyTest::TearDown();
   }
   void store(const wchar_t* name, const std::wstring& position, const wchar_t* second, const wchar_t* secondText) {
@@ -131,13 +131,13 @@ TEST_F(WindowPositions, ExplicitRootsAreUsedAsGiven) {
 
 class MonitorSubstitutes : public ::testing::Test {
  protected:
-  void SetUp() override { wasForced_ = qt_monitors::ForceSubstitutes(true); }
-  void TearDown() override { qt_monitors::ForceSubstitutes(wasForced_); }
+  void SetUp() override { wasForced_ = qt::monitors::ForceSubstitutes(true); }
+  void TearDown() override { qt::monitors::ForceSubstitutes(wasForced_); }
   bool wasForced_ = false;
 };
 
 TEST_F(MonitorSubstitutes, OneScreenAnswersForEverything) {
-  using namespace qt_monitors;
+  using namespace qt::monitors;
   EXPECT_TRUE(UsingSubstitutes());
   const int W = SystemMetrics(kCxScreen), H = SystemMetrics(kCyScreen);
   ASSERT_GT(W, 0);

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <thread>
 
-#include "child_process.h"
+#include "child_process_platform.h"
 #include "qn_utf.h"
 #include "qt_test.h"
 
@@ -70,7 +70,7 @@ std::string ChildProcess::readLine(int timeoutMs) {
       return std::string();
     }
     std::string chunk;
-    const int got = ReadSome(impl_.get(), &chunk, static_cast<int>(left));
+    const int got = child_process::platform::ReadSome(impl_.get(), &chunk, static_cast<int>(left));
     if (got < 0) return std::string();  // end of output
     pending_ += chunk;
   }
@@ -82,7 +82,7 @@ TempDir::TempDir() {
   const fs::path base = fs::temp_directory_path();
   for (int attempt = 0; attempt < 100; ++attempt) {
     std::ostringstream name;
-    name << "quiltool-test-" << ProcessId() << "-" << counter++ << "-" << rd();
+    name << "quiltool-test-" << child_process::platform::ProcessId() << "-" << counter++ << "-" << rd();
     const fs::path p = base / name.str();
     std::error_code ec;
     if (fs::create_directory(p, ec)) {
@@ -119,7 +119,7 @@ std::string UniqueName(const std::string& prefix) {
   static std::atomic<unsigned> counter{0};
   std::random_device rd;
   std::ostringstream name;
-  name << prefix << "-" << ProcessId() << "-" << counter++ << "-" << (rd() & 0xFFFFFF);
+  name << prefix << "-" << child_process::platform::ProcessId() << "-" << counter++ << "-" << (rd() & 0xFFFFFF);
   return name.str();
 }
 

@@ -1,10 +1,12 @@
 // Without windows, each window operation becomes a line on stderr.
 #include <cstdio>
 
-#include "settings/lng_window.h"
+#include "settings/lng_window_platform.h"
 #include "settings/qlg_utf8.h"
 
 namespace qt {
+namespace lng_window {
+namespace platform {
 
 namespace {
 
@@ -35,4 +37,6 @@ QnWindowPresenter& DefaultWindowPresenter() {
 
 HICON AppSmallIcon() { return nullptr; }
 
+}  // namespace platform
+}  // namespace lng_window
 }  // namespace qt

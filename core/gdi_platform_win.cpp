@@ -1,8 +1,9 @@
 #include <windows.h>
 
-#include "core/platform.h"
+#include "core/gdi_platform.h"
 
 namespace qt {
+namespace gdi {
 namespace platform {
 
 HPEN CreateSysColorPen(int sysColorIndex) { return CreatePen(PS_SOLID, 1, GetSysColor(sysColorIndex)); }
@@ -14,4 +15,5 @@ void DeleteGraphicsObject(void* object) {
 }
 
 }  // namespace platform
+}  // namespace gdi
 }  // namespace qt

@@ -1,9 +1,10 @@
 // The real monitor functions, looked up by name so that the library also
 // loads where user32 lacks them.
-#include "settings/monitors.h"
+#include "settings/monitors_platform.h"
 #include "ustr.h"
 
-namespace qt_monitors {
+namespace qt {
+namespace monitors {
 namespace platform {
 
 namespace {
@@ -127,7 +128,7 @@ bool RealEnumDisplayDevice(DWORD index, std::wstring* name) {
 
 int BaseSystemMetrics(int index) { return ::GetSystemMetrics(index); }
 
-bool WorkArea(RECT* area) { return SystemParametersInfoA(SPI_GETWORKAREA, 0, area, 0) != FALSE; }
+bool WorkArea(RECT* area) { return SystemParametersInfoW(SPI_GETWORKAREA, 0, area, 0) != FALSE; }
 
 bool WindowRect(HWND window, RECT* rect) {
   if (!IsWindow(window)) return false;
@@ -143,4 +144,5 @@ bool WindowRect(HWND window, RECT* rect) {
 }
 
 }  // namespace platform
-}  // namespace qt_monitors
+}  // namespace monitors
+}  // namespace qt

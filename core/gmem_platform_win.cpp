@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "core/gmem.h"
+#include "core/gmem_platform.h"
 
 namespace {
 
@@ -16,4 +16,12 @@ const QtGmemCalls kWindowsCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, S
 
 }  // namespace
 
-const QtGmemCalls* qt_gmem_default_calls() { return &kWindowsCalls; }
+namespace qt {
+namespace gmem {
+namespace platform {
+
+const QtGmemCalls* DefaultCalls() { return &kWindowsCalls; }
+
+}  // namespace platform
+}  // namespace gmem
+}  // namespace qt

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <thread>
 
-#include "child_process.h"
+#include "child_process_platform.h"
 
 namespace qt_test {
 
@@ -24,7 +24,7 @@ ChildProcess::~ChildProcess() {
   if (impl_->process) CloseHandle(impl_->process);
 }
 
-unsigned long ProcessId() { return GetCurrentProcessId(); }
+unsigned long child_process::platform::ProcessId() { return GetCurrentProcessId(); }
 
 void SetEnv(const char* name, const std::string& value) { _putenv_s(name, value.c_str()); }
 
@@ -85,7 +85,7 @@ bool ChildProcess::start(const std::string& name, const std::vector<std::string>
   return true;
 }
 
-int ReadSome(ChildProcess::Impl* impl, std::string* out, int timeoutMs) {
+int child_process::platform::ReadSome(ChildProcess::Impl* impl, std::string* out, int timeoutMs) {
   // Anonymous pipes have no timed read: poll for data.
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
   for (;;) {

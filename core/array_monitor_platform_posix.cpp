@@ -1,9 +1,10 @@
 // Linux has no windows: the monitor is a token that stands for one, so that
 // the counting is the same as on Windows.
-#include "core/array_monitor.h"
+#include "core/array_monitor_platform.h"
 
 namespace qt {
 namespace array_monitor {
+namespace platform {
 namespace {
 char g_pseudoWindow;
 }  // namespace
@@ -14,5 +15,6 @@ void ShowCount(HWND, long) {}
 
 void DestroyMonitor(HWND window) { WindowClosed(window); }
 
+}  // namespace platform
 }  // namespace array_monitor
 }  // namespace qt

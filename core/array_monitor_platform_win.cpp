@@ -1,9 +1,10 @@
 #include <windows.h>
 
-#include "core/array_monitor.h"
+#include "core/array_monitor_platform.h"
 
 namespace qt {
 namespace array_monitor {
+namespace platform {
 namespace {
 
 const wchar_t kClassName[] = L"GWADEBWND";
@@ -65,5 +66,6 @@ void ShowCount(HWND window, long count) { SetLabel(window, count); }
 
 void DestroyMonitor(HWND window) { DestroyWindow(window); }
 
+}  // namespace platform
 }  // namespace array_monitor
 }  // namespace qt

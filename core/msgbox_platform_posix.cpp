@@ -6,9 +6,10 @@
 #include <cstdio>
 #include <string>
 
-#include "core/platform.h"
+#include "core/msgbox_platform.h"
 
 namespace qt {
+namespace msgbox {
 namespace platform {
 
 namespace {
@@ -72,4 +73,5 @@ HWND FocusedWindow() { return nullptr; }
 void RestoreFocus(HWND) {}
 
 }  // namespace platform
+}  // namespace msgbox
 }  // namespace qt

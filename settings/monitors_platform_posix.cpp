@@ -2,10 +2,11 @@
 // substitutes always answer, for a screen whose size comes from the
 // settings ("Software\QuilTool\Display", values "ScreenWidth" and
 // "ScreenHeight", REG_DWORD, user before machine) or is 1920 x 1080.
-#include "settings/monitors.h"
+#include "settings/monitors_platform.h"
 #include "settings/regstore.h"
 
-namespace qt_monitors {
+namespace qt {
+namespace monitors {
 namespace platform {
 
 namespace {
@@ -68,4 +69,5 @@ bool WorkArea(RECT* area) {
 bool WindowRect(HWND, RECT*) { return false; }
 
 }  // namespace platform
-}  // namespace qt_monitors
+}  // namespace monitors
+}  // namespace qt

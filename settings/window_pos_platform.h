@@ -1,11 +1,16 @@
-// The few window operations the window positions need; Windows answers
-// them with user32, Linux (which has no windows) with "no such window".
-#ifndef QUILTOOL_SETTINGS_WINDOW_POS_H
-#define QUILTOOL_SETTINGS_WINDOW_POS_H
+// The few window operations the window positions need
+// (window_pos_platform_win.cpp / window_pos_platform_posix.cpp). Windows
+// answers them with user32; Linux has no windows, so every handle names no
+// window: the readers only read and check, and the writers have nothing to
+// save.
+#ifndef QUILTOOL_SETTINGS_WINDOW_POS_PLATFORM_H
+#define QUILTOOL_SETTINGS_WINDOW_POS_PLATFORM_H
 
 #include "qn_wintypes.h"
 
-namespace qt_window {
+namespace qt {
+namespace window_pos {
+namespace platform {
 
 // SetWindowPos flags.
 const unsigned kNoSize = 0x0001;
@@ -20,6 +25,8 @@ void Show(HWND window, int showCommand);         // ShowWindow
 // GetWindowPlacement: the restored rectangle and the show command.
 bool RestoredPlacement(HWND window, RECT* normal, int* showCommand);
 
-}  // namespace qt_window
+}  // namespace platform
+}  // namespace window_pos
+}  // namespace qt
 
 #endif

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <thread>
 
-#include "child_process.h"
+#include "child_process_platform.h"
 
 namespace qt_test {
 
@@ -29,7 +29,7 @@ ChildProcess::~ChildProcess() {
   if (impl_->fromChild >= 0) close(impl_->fromChild);
 }
 
-unsigned long ProcessId() { return static_cast<unsigned long>(getpid()); }
+unsigned long child_process::platform::ProcessId() { return static_cast<unsigned long>(getpid()); }
 
 void SetEnv(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
 
@@ -71,7 +71,7 @@ bool ChildProcess::start(const std::string& name, const std::vector<std::string>
   return true;
 }
 
-int ReadSome(ChildProcess::Impl* impl, std::string* out, int timeoutMs) {
+int child_process::platform::ReadSome(ChildProcess::Impl* impl, std::string* out, int timeoutMs) {
   if (impl->fromChild < 0) return -1;
   pollfd p{impl->fromChild, POLLIN, 0};
   const int ready = poll(&p, 1, timeoutMs);

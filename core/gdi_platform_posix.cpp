@@ -2,9 +2,10 @@
 // colour index, so the caching rules behave as on Windows.
 #include <cstdint>
 
-#include "core/platform.h"
+#include "core/gdi_platform.h"
 
 namespace qt {
+namespace gdi {
 namespace platform {
 
 namespace {
@@ -21,4 +22,5 @@ HBRUSH CreateSysColorBrush(int sysColorIndex) { return reinterpret_cast<HBRUSH>(
 void DeleteGraphicsObject(void* object) { delete static_cast<Token*>(object); }
 
 }  // namespace platform
+}  // namespace gdi
 }  // namespace qt

@@ -1,8 +1,10 @@
 // No windows on Linux: every handle names no window, so the readers only
 // read and check, and the writers have nothing to save.
-#include "settings/window_pos.h"
+#include "settings/window_pos_platform.h"
 
-namespace qt_window {
+namespace qt {
+namespace window_pos {
+namespace platform {
 
 bool Exists(HWND) { return false; }
 bool HasSizingBorder(HWND) { return false; }
@@ -10,4 +12,6 @@ bool Place(HWND, int, int, int, int, unsigned) { return false; }
 void Show(HWND, int) {}
 bool RestoredPlacement(HWND, RECT*, int*) { return false; }
 
-}  // namespace qt_window
+}  // namespace platform
+}  // namespace window_pos
+}  // namespace qt

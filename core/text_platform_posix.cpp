@@ -1,18 +1,13 @@
-// Linux has no ANSI code page: 8-bit text is UTF-8. Case mapping uses the
-// C.UTF-8 locale, so it does not depend on the process's own locale.
+// Linux has no ANSI code page: 8-bit text is UTF-8.
 #include <locale.h>
 #include <wctype.h>
 
 #include "core/text_platform.h"
 #include "qn_utf.h"
-#include "ustr.h"
 
 namespace qt {
+namespace text {
 namespace platform {
-const char* const kNarrowStringInWideFormat = "s";
-const char* const kNarrowCharInWideFormat = "c";
-}  // namespace platform
-}  // namespace qt
 
 namespace {
 
@@ -23,18 +18,22 @@ locale_t Utf8Locale() {
 
 }  // namespace
 
-wchar_t qn_charupper(wchar_t c) {
+wchar_t UpperCase(wchar_t c) {
   if (c < 0x80) return (c >= L'a' && c <= L'z') ? static_cast<wchar_t>(c - 32) : c;
   locale_t loc = Utf8Locale();
   return loc ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), loc)) : c;
 }
 
-wchar_t qn_charlower(wchar_t c) {
+wchar_t LowerCase(wchar_t c) {
   if (c < 0x80) return (c >= L'A' && c <= L'Z') ? static_cast<wchar_t>(c + 32) : c;
   locale_t loc = Utf8Locale();
   return loc ? static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), loc)) : c;
 }
 
-std::wstring qn_ansi_to_wide(const char* text, size_t length) { return qn_utf8_to_wide(text, length); }
+std::wstring AnsiToWide(const char* text, size_t length) { return qn_utf8_to_wide(text, length); }
 
-std::string qn_wide_to_ansi(const wchar_t* text, size_t length) { return qn_wide_to_utf8(text, length); }
+std::string WideToAnsi(const wchar_t* text, size_t length) { return qn_wide_to_utf8(text, length); }
+
+}  // namespace platform
+}  // namespace text
+}  // namespace qt

@@ -4,9 +4,11 @@
 #endif
 #include <windows.h>
 
-#include "settings/lng_window.h"
+#include "settings/lng_window_platform.h"
 
 namespace qt {
+namespace lng_window {
+namespace platform {
 
 namespace {
 
@@ -33,4 +35,6 @@ QnWindowPresenter& DefaultWindowPresenter() {
 
 HICON AppSmallIcon() { return nullptr; }
 
+}  // namespace platform
+}  // namespace lng_window
 }  // namespace qt

@@ -1,6 +1,8 @@
-#include "settings/window_pos.h"
+#include "settings/window_pos_platform.h"
 
-namespace qt_window {
+namespace qt {
+namespace window_pos {
+namespace platform {
 
 bool Exists(HWND window) { return window && IsWindow(window); }
 
@@ -22,4 +24,6 @@ bool RestoredPlacement(HWND window, RECT* normal, int* showCommand) {
   return true;
 }
 
-}  // namespace qt_window
+}  // namespace platform
+}  // namespace window_pos
+}  // namespace qt

@@ -1,21 +1,10 @@
 #include <windows.h>
 
-#include "core/platform.h"
+#include "core/window_class_platform.h"
 
 namespace qt {
+namespace window_class {
 namespace platform {
-
-bool ModuleFileName(HMODULE module, std::wstring* name) {
-  wchar_t buffer[MAX_PATH];
-  const DWORD n = GetModuleFileNameW(module, buffer, MAX_PATH);
-  if (n == 0) return false;
-  name->assign(buffer, n);
-  return true;
-}
-
-HMODULE LoadedModule(const wchar_t* name) { return GetModuleHandleW(name); }
-
-wchar_t PathSeparator() { return L'\\'; }
 
 namespace {
 LRESULT CALLBACK ListHeaderProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -35,4 +24,5 @@ void RegisterListHeaderClass(HMODULE instance) {
 }
 
 }  // namespace platform
+}  // namespace window_class
 }  // namespace qt

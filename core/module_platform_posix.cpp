@@ -6,9 +6,10 @@
 #include <limits.h>
 #include <unistd.h>
 
-#include "core/platform.h"
+#include "core/module_platform.h"
 
 namespace qt {
+namespace module {
 namespace platform {
 
 namespace {
@@ -56,7 +57,6 @@ HMODULE LoadedModule(const wchar_t* name) {
 
 wchar_t PathSeparator() { return L'/'; }
 
-void RegisterListHeaderClass(HMODULE) {}
-
 }  // namespace platform
+}  // namespace module
 }  // namespace qt

@@ -1,8 +1,9 @@
 #include <windows.h>
 
-#include "core/platform.h"
+#include "core/msgbox_platform.h"
 
 namespace qt {
+namespace msgbox {
 namespace platform {
 
 namespace {
@@ -29,4 +30,5 @@ void RestoreFocus(HWND previous) {
 }
 
 }  // namespace platform
+}  // namespace msgbox
 }  // namespace qt

@@ -10,7 +10,7 @@
 #include <new>
 #include <unordered_set>
 
-#include "core/gmem.h"
+#include "core/gmem_platform.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -163,4 +163,12 @@ const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Siz
 
 }  // namespace
 
-const QtGmemCalls* qt_gmem_default_calls() { return &kPosixCalls; }
+namespace qt {
+namespace gmem {
+namespace platform {
+
+const QtGmemCalls* DefaultCalls() { return &kPosixCalls; }
+
+}  // namespace platform
+}  // namespace gmem
+}  // namespace qt
