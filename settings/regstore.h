@@ -1,6 +1,13 @@
 // The key operations of the settings store. Windows answers them with the
-// registry itself (regstore_win.cpp); Linux with a SQLite store of the same
-// shape (regstore_posix.cpp). Everything above this seam is portable.
+// registry itself (regstore_platform_win.cpp); Linux with a SQLite store of
+// the same shape (regstore_platform_posix.cpp over sqlite_store_posix.h).
+// Everything above this seam is portable.
+//
+// This header is the feature's platform declaration and its portable front
+// in one: the platform step (OpenKey through StoreFile below) keeps the
+// namespace qt_reg that the whole library calls it by, and the two
+// regstore_platform_*.cpp files implement it in this order; the portable
+// helpers over it are in regstore.cpp.
 //
 // The functions follow their advapi32 namesakes: results are Win32 error
 // codes (0 success), handles are HKEYs that CloseKey releases, the
@@ -83,6 +90,21 @@ struct ReadScope {
   ReadScope(const ReadScope&) = delete;
   ReadScope& operator=(const ReadScope&) = delete;
 };
+
+// A write group on one root's store: the changes made until EndWrite are
+// kept or undone as a whole (Linux: one transaction, which other processes
+// see at once or not at all). The registry has no such transactions, so on
+// Windows both do nothing and EndWrite(root, false) undoes nothing: callers
+// check everything they can before the first change. Groups do not nest.
+QT_API long BeginWrite(HKEY root);
+QT_API long EndWrite(HKEY root, bool keep);
+
+// Linux only: why the root's store cannot be used, naming its file (for
+// instance that it is damaged and no longer written, or another program's
+// database), after a call failed with kBadDb; "" when nothing is known
+// against it, and always on Windows. The same text goes once to the debug
+// trace (gwdebug).
+QT_API std::string StoreProblem(HKEY root);
 
 // --- portable helpers over the seam (regstore.cpp) ---
 

@@ -15,6 +15,9 @@ const wchar_t kVersion5[] = L"Windows Registry Editor Version 5.00";
 const wchar_t kVersion4[] = L"REGEDIT4";
 // Hex data lines are wrapped before this column, as the registry editor does.
 const size_t kHexLineLimit = 80;
+// The registry's limits on names, in characters.
+const size_t kMaxKeyPart = 255;
+const size_t kMaxValueName = 16383;
 
 bool EqualNoCase(const std::wstring& a, const wchar_t* b) {
   size_t i = 0;
@@ -123,8 +126,10 @@ class Parser {
       key.remove = true;
       name.erase(0, 1);
     }
+    if (name.find(L'\0') != std::wstring::npos) return bad("a key name holds a zero character");
     if (!SplitKeyName(name, &key.root, &key.path))
-      return bad("unknown root or malformed key name \"" + qn_wide_to_ansi(name.c_str()) + "\"");
+      return bad("unknown root, malformed key name or a part longer than 255 characters: \"" +
+                 qn_wide_to_utf8(name.c_str(), name.size()) + "\"");
     doc_->keys.push_back(key);
     return true;
   }
@@ -195,6 +200,9 @@ class Parser {
       at = 1;
     } else if (text[0] == L'"') {
       if (!quoted(text, &at, &value.name)) return false;
+      // A name is passed on as a C string; a zero would make it another name.
+      if (value.name.find(L'\0') != std::wstring::npos) return bad("a value name holds a zero character");
+      if (value.name.size() > kMaxValueName) return bad("a value name is longer than 16383 characters");
     } else {
       return bad("a line is neither a key, a value nor a comment");
     }
@@ -317,6 +325,7 @@ bool SplitKeyName(const std::wstring& name, HKEY* root, std::wstring* path) {
     return false;
   }
   path->clear();
+  if (name.find(L'\0') != std::wstring::npos) return false;
   if (cut == std::wstring::npos) return true;
   *path = name.substr(cut + 1);
   if (!path->empty() && path->back() == L'\\') path->pop_back();
@@ -326,9 +335,21 @@ bool SplitKeyName(const std::wstring& name, HKEY* root, std::wstring* path) {
   for (;;) {
     const size_t next = path->find(L'\\', start);
     if (next == start) return false;
+    if ((next == std::wstring::npos ? path->size() : next) - start > kMaxKeyPart) return false;
     if (next == std::wstring::npos) return true;
     start = next + 1;
   }
+}
+
+bool ReadWholeFile(const std::string& file, std::string* bytes) {
+  FILE* f = std::fopen(file.c_str(), "rb");
+  if (!f) return false;
+  char buffer[65536];
+  size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
+  const bool ok = !std::ferror(f);
+  std::fclose(f);
+  return ok;
 }
 
 bool Parse(const std::string& bytes, Document* document, std::string* error) {

@@ -32,12 +32,18 @@ struct Document {
 };
 
 // "HKCU\a\b", "HKEY_LOCAL_MACHINE\a": the root and the path below it.
-// False for an unknown root or an empty part in the path.
+// False for an unknown root, an empty part in the path, a part longer than
+// the registry's 255 characters, or a zero character, which would cut the
+// name short wherever it is passed on as a C string.
 bool SplitKeyName(const std::wstring& name, HKEY* root, std::wstring* path);
 // "HKEY_CURRENT_USER" / "HKEY_LOCAL_MACHINE".
 const wchar_t* RootName(HKEY root);
 
-// Parses a whole file; on failure *error says what and on which line.
+// The bytes of a whole file; false with errno set when it cannot be read.
+bool ReadWholeFile(const std::string& file, std::string* bytes);
+
+// Parses and checks a whole file, so that nothing is changed for a file
+// that fails anywhere; on failure *error says what and on which line.
 bool Parse(const std::string& bytes, Document* document, std::string* error);
 // The file's bytes: version 5 header, UTF-16LE with byte-order mark.
 std::string Format(const Document& document);

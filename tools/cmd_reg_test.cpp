@@ -237,4 +237,84 @@ TEST_F(RegCommand, MalformedFilesAreRefusedWholeWithTheirLine) {
   EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_));
 }
 
+// "日本語" and "名前" as UTF-8 bytes and as wide text.
+const char kJapanese[] = "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E";
+const char kName[] = "\xE5\x90\x8D\xE5\x89\x8D";
+const wchar_t kWideJapanese[] = L"\u65E5\u672C\u8A9E";
+const wchar_t kWideName[] = L"\u540D\u524D";
+
+TEST_F(RegCommand, HelpForEveryOperationAndUnknownOptionsByName) {
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"--help"}, {"/?"}, {"-h"}, {"add", "/?"}, {"query", "--help"}, {"delete", key_, "-?"},
+           {"export", "/h"}, {"import", "--help"}}) {
+    const Result r = Reg(args);
+    EXPECT_EQ(r.code, 0) << args[0];
+    EXPECT_NE(r.out.find("usage"), std::string::npos) << args[0];
+    EXPECT_EQ(r.err, "") << args[0];
+  }
+  for (const std::string option : {"/x", "--frobnicate", "-vv", "/reg:64"}) {
+    const Result r = Reg({"add", key_, "/v", "a", option});
+    EXPECT_EQ(r.code, 2) << option;
+    EXPECT_NE(r.err.find("unknown option '" + option + "'"), std::string::npos) << r.err;
+  }
+  // A path is no option, also where it starts with "/".
+  EXPECT_NE(Reg({"import", dir_.file("none.reg")}).err.find("cannot read"), std::string::npos);
+  EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_));
+}
+
+TEST_F(RegCommand, NonAnsiArgumentsAndOutputAreUtf8) {
+  const std::string key = key_ + "\\" + kName;
+  ASSERT_EQ(Reg({"add", key, "/v", kName, "/d", kJapanese, "/f"}).code, 0);
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\" + kWideName, kWideName), qt_reg::ToUtf16Bytes(kWideJapanese, true));
+  const Result r = Reg({"query", key, "/v", kName});
+  EXPECT_EQ(r.code, 0);
+  EXPECT_NE(r.out.find(std::string(kName) + "    REG_SZ    " + kJapanese), std::string::npos) << r.out;
+  EXPECT_NE(Reg({"query", key_, "/s"}).out.find(std::string("\\") + kName), std::string::npos);
+  EXPECT_EQ(Reg({"delete", key, "/v", kName, "/f"}).code, 0);
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\" + kWideName, kWideName), std::vector<BYTE>{0xEE});
+}
+
+// A zero inside a name would cut it short where it is passed on: a key
+// line deleting "Company" + zero + "\\Junk" deleted all of "Company".
+TEST_F(RegCommand, NamesWithAZeroAreRefusedAndDataKeepsIt) {
+  ASSERT_EQ(Reg({"add", key_ + "\\Kept", "/v", "a", "/d", "1"}).code, 0);
+  const std::wstring k = L"HKEY_CURRENT_USER\\" + wkey_;
+  const std::wstring head = L"Windows Registry Editor Version 5.00\r\n\r\n";
+  const std::wstring zero(1, L'\0');
+  const std::string file = dir_.file("zero.reg");
+  for (const std::wstring& body : {L"[-" + k + zero + L"\\Junk]\r\n", L"[" + k + L"\\Kept]\r\n\"a" + zero + L"b\"=-\r\n",
+                                   L"[" + k + L"\\Kept]\r\n\"a\\0b\"=\"2\"\r\n"}) {
+    WriteFile(file, Utf16File(head + body));
+    const Result r = Reg({"import", file});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("zero character"), std::string::npos) << r.err;
+    EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\Kept", L"a"), qt_reg::ToUtf16Bytes(L"1", true));
+  }
+  WriteFile(file, Utf16File(head + L"[-" + k + zero + L"\\Junk]\r\n"));
+  EXPECT_NE(Reg({"import", file}).err.find("line 3"), std::string::npos);
+  WriteFile(file, "REGEDIT4\n\n[-" + key_ + std::string(1, '\0') + "\\Junk]\n");
+  EXPECT_EQ(Reg({"import", file}).code, 1);
+  EXPECT_TRUE(Exists(HKEY_CURRENT_USER, wkey_ + L"\\Kept"));
+
+  // In data a zero is just a character, and all of the text is kept.
+  WriteFile(file, Utf16File(head + L"[" + k + L"\\Kept]\r\n\"b\"=\"x\\0y\"\r\n"));
+  ASSERT_EQ(Reg({"import", file}).code, 0);
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\Kept", L"b"), std::vector<BYTE>({'x', 0, 0, 0, 'y', 0, 0, 0}));
+}
+
+TEST_F(RegCommand, AnImportThatFailsLateChangesNothing) {
+  const std::wstring k = L"HKEY_CURRENT_USER\\" + wkey_;
+  const std::string file = dir_.file("late.reg");
+  WriteFile(file, Utf16File(L"Windows Registry Editor Version 5.00\r\n\r\n[" + k + L"\\First]\r\n\"a\"=\"1\"\r\n\r\n[" +
+                            k + L"\\" + std::wstring(256, L'n') + L"]\r\n\"b\"=\"2\"\r\n"));
+  const Result r = Reg({"import", file});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("line 6"), std::string::npos) << r.err;
+  EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_));
+  // The longest name the registry takes is still fine.
+  WriteFile(file, Utf16File(L"Windows Registry Editor Version 5.00\r\n\r\n[" + k + L"\\" + std::wstring(255, L'n') +
+                            L"]\r\n\"b\"=\"2\"\r\n"));
+  EXPECT_EQ(Reg({"import", file}).code, 0);
+}
+
 }  // namespace

@@ -96,6 +96,11 @@ std::wstring ExpandEnvironmentText(const std::wstring& text) {
 void BeginRead() {}
 void EndRead() {}
 
+long BeginWrite(HKEY root) { return root == HKEY_CURRENT_USER || root == HKEY_LOCAL_MACHINE ? kOk : kInvalidHandle; }
+long EndWrite(HKEY root, bool) { return BeginWrite(root); }
+
+std::string StoreProblem(HKEY) { return std::string(); }
+
 std::string StoreFile(HKEY) { return std::string(); }
 
 }  // namespace qt_reg
