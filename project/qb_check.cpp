@@ -80,19 +80,26 @@ short CheckAll(File* f, std::vector<std::string>* problems) {
 
 }  // namespace
 
+namespace qb {
+
+short CheckFile(File* f, std::vector<std::string>* problems) {
+  // One snapshot for the whole check.
+  const bool own = !f->backend->InTransaction();
+  short s = own ? f->backend->BeginRead() : static_cast<short>(QB_OK);
+  if (s == QB_OK) s = CheckAll(f, problems);
+  if (own) f->backend->Rollback();
+  return s;
+}
+
+}  // namespace qb
+
 long qbcheckfile(short hfile, qbcheckproc proc, void* context) {
   short s;
   std::vector<std::string> problems;
   try {
     File* f;
     s = OpenFileOf(hfile, &f);
-    if (s == QB_OK) {
-      // One snapshot for the whole check.
-      const bool own = !f->backend->InTransaction();
-      if (own) s = f->backend->BeginRead();
-      if (s == QB_OK) s = CheckAll(f, &problems);
-      if (own) f->backend->Rollback();
-    }
+    if (s == QB_OK) s = CheckFile(f, &problems);
   } catch (const std::bad_alloc&) {
     s = QBERR_NOMEM;
   }

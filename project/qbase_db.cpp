@@ -3,7 +3,7 @@
 #include <new>
 
 #include "gwframe.h"
-#include "project/qb_platform.h"
+#include "project/qb_base64.h"
 #include "project/qbase_db_impl.h"
 #include "project/qbase_db_internal.h"
 #include "qb.h"
@@ -133,9 +133,8 @@ ustr QBaseDb::createStreamAsBase64() const {
   if (!buffer) return ustr();
   ustr text;
   try {
-    std::wstring base64;
-    if (qb::platform::Base64(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size), &base64))
-      text = ustr(base64);
+    const std::string base64 = qb::Base64Encode(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size));
+    text = ustr(std::wstring(base64.begin(), base64.end()));
   } catch (const std::bad_alloc&) {
     text = ustr();
   }
@@ -410,6 +409,6 @@ void qt_qbasedb_share_state(const void* state) {
 }
 
 ustr qt_qb_base64(const unsigned char* data, size_t size) {
-  std::wstring text;
-  return qb::platform::Base64(data, size, &text) ? ustr(text) : ustr(L"(failed)");
+  const std::string text = qb::Base64Encode(data, size);
+  return ustr(std::wstring(text.begin(), text.end()));
 }
