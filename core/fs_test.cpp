@@ -16,6 +16,8 @@ using qt::fs::FsError;
 using qt::fs::Kind;
 namespace platform = qt::fs::platform;
 
+int g_calls = 0;  // of an injected step, counted from each test's start
+
 std::set<std::string> Names(const qt_test::TempDir& dir) {
   std::set<std::string> names;
   for (const auto& e : std::filesystem::directory_iterator(std::filesystem::u8path(dir.path())))
@@ -106,6 +108,7 @@ TEST_P(FsReplaceFailure, LeavesTheOldFileAndNoTemporaryFile) {
   ASSERT_EQ(FsError::kOk, qt::fs::ReplaceWholeFile(path, std::string("old content")));
   {
     platform::CallsOverride calls;
+    g_calls = 0;
     GetParam().inject(calls.get());
     EXPECT_EQ(GetParam().expected, qt::fs::ReplaceWholeFile(path, std::string(100000, 'n')));
   }
@@ -118,8 +121,7 @@ TEST_P(FsReplaceFailure, LeavesTheOldFileAndNoTemporaryFile) {
 
 // A write that stops after part of the content, as a full disk does.
 FsError HalfWrite(platform::Handle h, const void* data, size_t size, size_t* put) {
-  static int calls = 0;
-  if (++calls % 2 == 0) return FsError::kNoSpace;
+  if (++g_calls == 2) return FsError::kNoSpace;
   return platform::SystemCalls().write(h, data, size < 10 ? size : 10, put);
 }
 
@@ -161,9 +163,9 @@ TEST(Fs, AFailingReadKeepsTheCallersBytes) {
   const std::wstring path = dir.wfile("r.bin");
   ASSERT_EQ(FsError::kOk, qt::fs::ReplaceWholeFile(path, std::string(300000, 'r')));
   platform::CallsOverride calls;
+  g_calls = 0;
   calls->read = [](platform::Handle h, void* b, size_t n, size_t* got) {
-    static int round = 0;
-    if (++round == 3) return FsError::kIo;
+    if (++g_calls == 3) return FsError::kIo;
     return platform::SystemCalls().read(h, b, n, got);
   };
   std::string bytes = "kept";
