@@ -14,6 +14,10 @@ namespace platform {
 
 namespace {
 
+// Newer than the headers of some toolchains.
+const DWORD kErrorDirectoryNotSupported = 336;
+const DWORD kErrorDiskQuotaExceeded = 1295;
+
 HANDLE H(Handle h) { return reinterpret_cast<HANDLE>(h); }
 
 FsError Last() { return FromOsError(static_cast<int>(GetLastError())); }
@@ -146,7 +150,7 @@ FsError FromOsError(int error) {
     case ERROR_WRITE_PROTECT:
     case ERROR_PRIVILEGE_NOT_HELD:
       return FsError::kAccessDenied;
-    case ERROR_DIRECTORY_NOT_SUPPORTED:
+    case kErrorDirectoryNotSupported:
       return FsError::kIsDirectory;
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
@@ -154,7 +158,7 @@ FsError FromOsError(int error) {
       return FsError::kBusy;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
-    case ERROR_DISK_QUOTA_EXCEEDED:
+    case kErrorDiskQuotaExceeded:
       return FsError::kNoSpace;
     case ERROR_FILE_TOO_LARGE:
     case ERROR_ARITHMETIC_OVERFLOW:
