@@ -6,7 +6,7 @@
 #include "FileSharingServiceManager.h"
 #include "files/file_sharing_held.h"
 #include "files/file_sharing_platform.h"
-#include "files/lock_file.h"
+#include "core/fs.h"
 #include "files/lock_inspect.h"
 #include "files/sharing_service.h"
 #include "gwflock.h"
@@ -16,7 +16,7 @@ namespace files {
 
 namespace {
 
-std::wstring AbsoluteName(const ustr& file) { return qt::lockfile::FullName(file.c_str()); }
+std::wstring AbsoluteName(const ustr& file) { return qt::fs::FullName(file.str()); }
 
 std::wstring LockFileOf(const ustr& file) {
   return FileSharingServiceManager::LockFileName(AbsoluteName(file).c_str()).str();
@@ -34,7 +34,7 @@ class FileSystemService : public SharingService {
     return FileExists(file);
   }
 
-  bool FileExists(const ustr& file) override { return !file.empty() && qt::file_sharing::platform::IsRegularFile(AbsoluteName(file)); }
+  bool FileExists(const ustr& file) override { return !file.empty() && qt::fs::IsFile(AbsoluteName(file)); }
 
   int LockState(const ustr& file, ustr* owner) override {
     if (file.empty()) return FileSharingServiceManager::LockStateUnknown;
@@ -47,6 +47,7 @@ class FileSystemService : public SharingService {
     switch (qt_inspect_lock_file(lockFile.c_str(), &holder)) {
       case QT_LOCK_FILE_ABSENT:
       case QT_LOCK_FILE_LEFT_BEHIND:  // its process ended: it locks nothing
+      case QT_LOCK_FILE_LEFT_BEHIND_FOREIGN:  // locks nothing either, though we cannot lock
         return FileSharingServiceManager::LockStateNotLocked;
       case QT_LOCK_FILE_HELD:
         break;

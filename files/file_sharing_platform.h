@@ -11,7 +11,6 @@ namespace qt {
 namespace file_sharing {
 namespace platform {
 
-bool IsRegularFile(const std::wstring& name);
 // Windows: the account name of the owner SID (GetNamedSecurityInfoW,
 // LookupAccountSidW). Linux: the owning user's name (getpwuid_r), or the
 // number when the user has no name.

@@ -28,11 +28,6 @@ std::wstring UserName(uid_t uid) {
 
 }  // namespace
 
-bool IsRegularFile(const std::wstring& name) {
-  struct stat st;
-  return stat(qn_wide_to_ansi(name.c_str()).c_str(), &st) == 0 && S_ISREG(st.st_mode);
-}
-
 bool FileOwnerName(const std::wstring& name, std::wstring* owner) {
   struct stat st;
   if (stat(qn_wide_to_ansi(name.c_str()).c_str(), &st) != 0) return false;

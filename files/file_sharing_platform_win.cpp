@@ -10,11 +10,6 @@ namespace qt {
 namespace file_sharing {
 namespace platform {
 
-bool IsRegularFile(const std::wstring& name) {
-  const DWORD attributes = GetFileAttributesW(name.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
-}
-
 bool FileOwnerName(const std::wstring& name, std::wstring* owner) {
   PSID sid = nullptr;
   PSECURITY_DESCRIPTOR descriptor = nullptr;

@@ -48,6 +48,21 @@ inline int StartHolder(qt_test::ChildProcess& child, const std::string& entry, c
   return std::stoi(line.substr(7));
 }
 
+// Contents a held lock file may be found with that are no lock file's
+// (8-bit text, odd length, half surrogate pairs, control characters,
+// padding that is not '*'); each must read as "unreadable", never as a name.
+inline std::vector<std::string> ForeignLockContents() {
+  const std::string pad = std::string("*\0", 2);
+  return {
+      "hello world\n",
+      std::string("A\0B", 3),
+      std::string("\0\xD8", 2) + pad + pad,
+      std::string("A\0\0\xDC", 4) + pad,
+      std::string("\x07\0A\0", 4) + pad,
+      std::string("A\0", 2) + pad + std::string("B\0", 2),
+  };
+}
+
 }  // namespace files_test
 
 #endif

@@ -9,13 +9,15 @@
 
 #include "files/gwflock_messages.h"
 #include "files/lock_content.h"
-#include "files/lock_file.h"
+#include "core/fs.h"
+#include "files/lock_file_platform.h"
 #include "gwframe.h"
 #include "ustr.h"
 
 namespace {
 
-using qt::lockfile::Outcome;
+namespace platform = qt::lock_file::platform;
+using platform::Outcome;
 
 const size_t kRecordNameSize = sizeof(gwflocktype::lockFile) / sizeof(wchar_t);
 // A lock file that keeps vanishing and reappearing between our steps belongs
@@ -29,9 +31,9 @@ void PauseForDelete() { std::this_thread::sleep_for(std::chrono::milliseconds(2)
 int HeldBy(HWND owner, const std::wstring& holder, wchar_t* lockedBy, int showMessages) {
   if (showMessages) {
     if (holder.empty()) {
-      qt::lockfile::ShowInUse(owner);
+      qt::lock_file::ShowInUse(owner);
     } else {
-      qt::lockfile::ShowInUseBy(owner, holder.c_str());
+      qt::lock_file::ShowInUseBy(owner, holder.c_str());
     }
   }
   if (lockedBy) QN_wcscpy_s(lockedBy, GWFLOCK_NAME_SIZE, holder.c_str());
@@ -39,7 +41,7 @@ int HeldBy(HWND owner, const std::wstring& holder, wchar_t* lockedBy, int showMe
 }
 
 int CannotCreate(HWND owner, int showMessages) {
-  if (showMessages) qt::lockfile::ShowNoPermission(owner);
+  if (showMessages) qt::lock_file::ShowNoPermission(owner);
   return -1;
 }
 
@@ -51,17 +53,17 @@ int Lock(HWND owner, gwflocktype* lock, const wchar_t* lockFile, const wchar_t* 
 
   // The record keeps the absolute name, so that unlocking deletes the right
   // file whatever the current directory is by then.
-  const std::wstring name = qt::lockfile::FullName(lockFile);
+  const std::wstring name = qt::fs::FullName(std::wstring(lockFile));
   if (name.empty() || name.size() >= kRecordNameSize) return CannotCreate(owner, showMessages);
-  const std::string content = qt::lockfile::LockContent(user);
+  const std::string content = qt::lock_file::LockContent(user);
 
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    const bool existed = qt::lockfile::Exists(name);
+    const bool existed = qt::fs::Exists(name);
     HANDLE handle = INVALID_HANDLE_VALUE;
-    const Outcome taken = qt::lockfile::Acquire(name, !existed, &handle);
+    const Outcome taken = platform::Acquire(name, !existed, &handle);
     if (taken == Outcome::Ok) {
-      if (!qt::lockfile::WriteHead(handle, content.data(), content.size())) {
-        qt::lockfile::Release(handle, name);
+      if (!platform::WriteHead(handle, content.data(), content.size())) {
+        platform::Release(handle, name);
         return CannotCreate(owner, showMessages);
       }
       lock->handle = handle;
@@ -77,20 +79,25 @@ int Lock(HWND owner, gwflocktype* lock, const wchar_t* lockFile, const wchar_t* 
     // A new file that cannot be created is a matter of rights, unless it
     // turns out that somebody else created and holds it in the meantime.
     if (!existed && taken != Outcome::Held) return CannotCreate(owner, showMessages);
+    // A file that nobody holds but that is not ours to take over (another
+    // account's, in a folder where only owners remove files) is no lock of
+    // anybody's: what stops us is a matter of rights.
+    if (taken == Outcome::Failed && platform::Probe(name) == Outcome::Ok) return CannotCreate(owner, showMessages);
 
-    unsigned char head[qt::lockfile::kHolderReadBytes];
+    unsigned char head[qt::lock_file::kHolderReadBytes];
     size_t got = 0;
-    const Outcome read = qt::lockfile::ReadHead(name, head, sizeof head, &got);
+    const Outcome read = platform::ReadHead(name, head, sizeof head, &got);
     if (read == Outcome::Missing) continue;
     if (read == Outcome::Transient) {
       PauseForDelete();
       continue;
     }
-    if (read != Outcome::Ok) {
-      if (showMessages) qt::lockfile::ShowReadError(owner);
+    std::wstring holder;
+    if (read != Outcome::Ok || !qt::lock_file::HolderName(head, got, &holder)) {
+      if (showMessages) qt::lock_file::ShowReadError(owner);
       return -3;
     }
-    return HeldBy(owner, qt::lockfile::HolderName(head, got), lockedBy, showMessages);
+    return HeldBy(owner, holder, lockedBy, showMessages);
   }
   return HeldBy(owner, std::wstring(), lockedBy, showMessages);
 }
@@ -140,11 +147,11 @@ int gwflock_lock(HWND owner, gwflocktype* lock, const char* lockFile, const char
 void gwflock_unlock(gwflocktype* lock) {
   if (!lock || !lock->lockFile[0] || lock->handle == INVALID_HANDLE_VALUE) return;
   try {
-    qt::lockfile::Release(lock->handle, lock->lockFile);
+    platform::Release(lock->handle, lock->lockFile);
   } catch (const std::bad_alloc&) {
     // Without memory for the name the handle is still given up; the lock
     // file that stays behind is taken over by the next locker.
-    qt::lockfile::Release(lock->handle, std::wstring());
+    platform::Release(lock->handle, std::wstring());
   }
   lock->lockFile[0] = L'\0';
   lock->handle = INVALID_HANDLE_VALUE;

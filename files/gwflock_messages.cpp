@@ -7,7 +7,7 @@
 #include "qn_presenter.h"
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
 
 namespace {
 
@@ -34,5 +34,5 @@ void ShowInUseBy(HWND owner, const wchar_t* holder) {
   CurrentPresenter().showMessage(owner, text.c_str(), L"", MB_OK | MB_TASKMODAL);
 }
 
-}  // namespace lockfile
+}  // namespace lock_file
 }  // namespace qt

@@ -5,14 +5,14 @@
 #include "qn_wintypes.h"
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
 
 void ShowNoPermission(HWND owner);        // the lock file could not be created
 void ShowReadError(HWND owner);           // the held lock file could not be read
 void ShowInUse(HWND owner);               // held, by a lock file that names nobody
 void ShowInUseBy(HWND owner, const wchar_t* holder);
 
-}  // namespace lockfile
+}  // namespace lock_file
 }  // namespace qt
 
 #endif

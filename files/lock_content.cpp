@@ -3,13 +3,14 @@
 #include "qn_utf.h"
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
 
 namespace {
 
 unsigned UnitAt(const unsigned char* b, size_t at) { return b[at] | (static_cast<unsigned>(b[at + 1]) << 8); }
 
 bool IsHigh(unsigned u) { return u >= 0xD800 && u <= 0xDBFF; }
+bool IsLow(unsigned u) { return u >= 0xDC00 && u <= 0xDFFF; }
 
 }  // namespace
 
@@ -24,13 +25,31 @@ std::string LockContent(const wchar_t* user) {
   return bytes;
 }
 
-std::wstring HolderName(const void* bytes, size_t size) {
+bool HolderName(const void* bytes, size_t size, std::wstring* name) {
+  name->clear();
+  if (size % 2 != 0) return false;
   const unsigned char* b = static_cast<const unsigned char*>(bytes);
   size_t end = 0;
-  while (end + 1 < size && UnitAt(b, end) != '*' && UnitAt(b, end) != 0) end += 2;
-  // A half pair is no character in UTF-32.
-  return qn_utf16le_to_wide(b, end, QN_UTF_REPLACE_INVALID);
+  for (; end < size; end += 2) {
+    const unsigned u = UnitAt(b, end);
+    if (u == '*' || u == 0) break;
+    if (u < 0x20 || (u >= 0x7F && u <= 0x9F)) return false;
+    if (IsHigh(u)) {
+      if (end + 2 >= size || !IsLow(UnitAt(b, end + 2))) return false;
+      end += 2;
+    } else if (IsLow(u)) {
+      return false;
+    }
+  }
+  // Only a name that fills everything read may go without its padding.
+  if (end == size && size != 0 && size < kHolderReadBytes) return false;
+  for (size_t at = end; at < size; at += 2) {
+    const unsigned u = UnitAt(b, at);
+    if (u != '*' && u != 0) return false;
+  }
+  *name = qn_utf16le_to_wide(b, end);
+  return true;
 }
 
-}  // namespace lockfile
+}  // namespace lock_file
 }  // namespace qt

@@ -7,7 +7,7 @@
 #include <string>
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
 
 const size_t kContentUnits = 100;
 const size_t kContentBytes = 2 * kContentUnits;
@@ -18,10 +18,15 @@ const size_t kHolderReadBytes = 196;
 // Names longer than 100 UTF-16 units are cut, never inside a surrogate pair.
 std::string LockContent(const wchar_t* user);
 // The name up to the first '*' (or a NUL unit); empty when the content
-// starts with '*'.
-std::wstring HolderName(const void* bytes, size_t size);
+// starts with '*' or is empty (a holder that has not written yet). False
+// when the bytes are not a lock file's content, so that no stray file is
+// shown as somebody's name: an odd number of bytes, a half surrogate pair or
+// a control character in the name, a name that ends before the bytes do
+// without its '*' padding, or padding that is not '*'. `size` is what a
+// reader got of its kHolderReadBytes.
+bool HolderName(const void* bytes, size_t size, std::wstring* name);
 
-}  // namespace lockfile
+}  // namespace lock_file
 }  // namespace qt
 
 #endif

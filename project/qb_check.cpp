@@ -80,18 +80,25 @@ short CheckAll(File* f, std::vector<std::string>* problems) {
 
 }  // namespace
 
+namespace qb {
+
+short CheckFile(File* f, std::vector<std::string>* problems) {
+  // One snapshot for the whole check.
+  const bool own = !f->backend->InTransaction();
+  short s = own ? f->backend->BeginRead() : static_cast<short>(QB_OK);
+  if (s == QB_OK) s = CheckAll(f, problems);
+  if (own) f->backend->Rollback();
+  return s;
+}
+
+}  // namespace qb
+
 long qbcheckfile(short hfile, qbcheckproc proc, void* context) {
   std::vector<std::string> problems;
   const short s = Guarded(hfile, [&]() -> short {
     File* f;
     short status = OpenFileOf(hfile, &f);
-    if (status == QB_OK) {
-      // One snapshot for the whole check.
-      const bool own = !f->backend->InTransaction();
-      if (own) status = f->backend->BeginRead();
-      if (status == QB_OK) status = CheckAll(f, &problems);
-      if (own) f->backend->Rollback();
-    }
+    if (status == QB_OK) status = qb::CheckFile(f, &problems);
     return status;
   });
   if (s != QB_OK) return s;

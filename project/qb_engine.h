@@ -95,6 +95,9 @@ short OpenFileOf(short hfile, File** f);
 // QBERR_READONLY unless the file is open for writing and outside a quick read.
 short CheckWritable(const File* f);
 // Whether an attribute value fits its type: QB_OK or QBERR_BADATT.
+// The engine's full check of an open file: the storage's own integrity and
+// every record against the dictionary; each problem is one line.
+short CheckFile(File* f, std::vector<std::string>* problems);
 short CheckAttValue(const Dictionary& d, short type, const void* data, size_t size);
 
 // The status an exported call answers when its body threw.

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "project/qb_engine.h"
-#include "project/qb_platform.h"
+#include "core/fs.h"
 #include "project/qb_stream.h"
 #include "project/qb_text.h"
 
@@ -66,14 +66,29 @@ short OpenStream(const std::string& bytes, const wchar_t* path) {
   s = b->OpenImage(image);
   auto dict = std::make_shared<Dictionary>();
   if (s == QB_OK) s = b->LoadDictionary(dict.get());
+  auto f = std::make_unique<File>();
+  f->backend = std::move(b);
+  f->dict = dict;
+  // A checksum only says that the stream arrived as it was sent, not that
+  // what was sent is sound: the full check finds records out of key order
+  // and indexes that disagree with their tables, and a stream that the
+  // engine would not write again byte for byte carries something it does
+  // not understand.
+  if (s == QB_OK) {
+    std::vector<std::string> problems;
+    s = CheckFile(f.get(), &problems);
+    if (s == QB_OK && !problems.empty()) s = QBERR_CORRUPT;
+  }
+  if (s == QB_OK) {
+    std::string again;
+    s = f->backend->Serialize(&again);
+    if (s == QB_OK && WrapStream(again) != bytes) s = QBERR_CORRUPT;
+  }
   // Whatever fails inside a stream that passed its checksum is still a
   // stream that is not a database of ours.
   if (s != QB_OK) return s == QBERR_NOMEM ? s : static_cast<short>(QBERR_BADSTREAM);
-  auto f = std::make_unique<File>();
   if (path) f->path = path;
   f->memory = true;
-  f->backend = std::move(b);
-  f->dict = dict;
   f->mode = QB_MODE_UPDATE;
   f->writable = true;
   return AddFile(std::move(f));
@@ -121,12 +136,12 @@ short qbcreatefile(short hfile) {
     if (f->memory || f->path.empty()) return QBERR_BADARG;
     if (!f->createDict || f->createDict->Validate(nullptr) != QB_OK) return QBERR_BADDDQ;
     // Never over an existing file: it may be somebody's project.
-    if (platform::FileExists(f->path.c_str())) return QBERR_EXISTS;
+    if (qt::fs::Exists(f->path)) return QBERR_EXISTS;
     std::unique_ptr<Backend> b = NewEmbeddedBackend();
     const short s = b->Create(WideToUtf8(f->path.c_str()), *f->createDict);
     if (s != QB_OK) {
-      platform::RemoveFile(f->path.c_str());
-      platform::RemoveFile((f->path + L"-journal").c_str());
+      qt::fs::Remove(f->path);
+      qt::fs::Remove(f->path + L"-journal");
     }
     return s;
   });
@@ -168,7 +183,7 @@ short qbswitchfilew(short hfile, const wchar_t* path) {
     f->memory = false;
     if (closed != QB_OK) return closed;
     if (mode >= 0) return OpenBackend(f, mode);
-    if (f->warnings && !platform::FileExists(path)) return QBWARN_NEWFILE;
+    if (f->warnings && !qt::fs::Exists(path)) return QBWARN_NEWFILE;
     return QB_OK;
   });
 }
@@ -246,8 +261,8 @@ short qbwritestreamw(short hfile, const wchar_t* path) {
     std::string stream;
     const short s = Serialize(hfile, &stream);
     if (s != QB_OK) return s;
-    return platform::ReplaceWholeFile(path, stream.data(), stream.size()) ? static_cast<short>(QB_OK)
-                                                                    : static_cast<short>(QBERR_IO);
+    return qt::fs::ReplaceWholeFile(path, stream) == qt::fs::FsError::kOk ? static_cast<short>(QB_OK)
+                                                                           : static_cast<short>(QBERR_IO);
   });
 }
 
@@ -255,7 +270,10 @@ short qbreadstreamw(const wchar_t* path) {
   return Guarded(-1, [&]() -> short {
     if (!path) return QBERR_BADARG;
     std::string bytes;
-    if (!platform::ReadWholeFile(path, &bytes)) return platform::FileExists(path) ? QBERR_IO : QBERR_NOFILE;
+    const qt::fs::FsError e = qt::fs::ReadWholeFile(path, &bytes);
+    if (e == qt::fs::FsError::kNotFound) return QBERR_NOFILE;
+    if (e == qt::fs::FsError::kTooLarge) return QBERR_NOMEM;
+    if (e != qt::fs::FsError::kOk) return QBERR_IO;
     return OpenStream(bytes, path);
   });
 }

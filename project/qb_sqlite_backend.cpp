@@ -164,8 +164,8 @@ class SqliteBackend final : public Backend {
                              static_cast<sqlite3_int64>(image.size()),
                              SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE);
     if (rc != SQLITE_OK) return Fail(rc);
+    // The full check comes once the dictionary is loaded (qb_files.cpp).
     short s = Verify();
-    if (s == QB_OK) s = QuickCheck();
     if (s == QB_OK) s = PrepareAll();
     if (s != QB_OK) Close();
     return s;
@@ -632,15 +632,6 @@ class SqliteBackend final : public Backend {
                  &value);
     if (s != QB_OK) return s;
     return value == 5 ? QB_OK : QBERR_NOTQBFILE;
-  }
-
-  short QuickCheck() {
-    sqlite3_stmt* st = nullptr;
-    int rc = sqlite3_prepare_v2(db_, "PRAGMA quick_check(1)", -1, &st, nullptr);
-    bool ok = false;
-    if (rc == SQLITE_OK && sqlite3_step(st) == SQLITE_ROW) ok = ColumnText(st, 0) == "ok";
-    sqlite3_finalize(st);
-    return ok ? QB_OK : QBERR_CORRUPT;
   }
 
   std::vector<sqlite3_stmt**> Statements() {

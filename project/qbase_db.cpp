@@ -4,7 +4,7 @@
 
 #include "core/boundary.h"
 #include "gwframe.h"
-#include "project/qb_platform.h"
+#include "project/qb_base64.h"
 #include "project/qbase_db_impl.h"
 #include "project/qbase_db_internal.h"
 #include "qb.h"
@@ -133,10 +133,8 @@ ustr QBaseDb::createStreamAsBase64() const {
   char* buffer = qbcreatestreambuf(impl_->handle, &size);
   if (!buffer) return ustr();
   ustr text = qt::NoThrow("QBaseDb::createStreamAsBase64", ustr(), [&] {
-    std::wstring base64;
-    if (!qb::platform::Base64(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size), &base64))
-      return ustr();
-    return ustr(base64);
+    const std::string base64 = qb::Base64Encode(reinterpret_cast<const unsigned char*>(buffer), static_cast<size_t>(size));
+    return ustr(std::wstring(base64.begin(), base64.end()));
   });
   qbreleasestreambuf(buffer);
   return text;
@@ -404,6 +402,6 @@ void qt_qbasedb_share_state(const void* state) {
 }
 
 ustr qt_qb_base64(const unsigned char* data, size_t size) {
-  std::wstring text;
-  return qb::platform::Base64(data, size, &text) ? ustr(text) : ustr(L"(failed)");
+  const std::string text = qb::Base64Encode(data, size);
+  return ustr(std::wstring(text.begin(), text.end()));
 }

@@ -8,7 +8,6 @@ packages=(
   libsqlite3-dev libtinyxml2-dev googletest libbenchmark-dev libspdlog-dev
   g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth
   dpkg-dev tcl xz-utils python3
-  libsodium-dev
 )
 
 missing=()

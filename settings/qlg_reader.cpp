@@ -4,7 +4,7 @@
 #include <new>
 #include <vector>
 
-#include "settings/qlg_file.h"
+#include "core/fs.h"
 #include "settings/qlg_format.h"
 #include "settings/qlg_utf8.h"
 
@@ -118,12 +118,23 @@ class Loader : public qt::qlg::QlgHandler {
   size_t count_ = 0;
 };
 
+// The path as UTF-8, for messages.
+std::string PathForMessages(const wchar_t* path) {
+  return path ? qt::qlg::WideToUtf8(path, std::char_traits<wchar_t>::length(path)) : std::string();
+}
+
+// Null and empty names are no files; the seam takes neither.
+qt::fs::FsError ReadNamed(const wchar_t* path, std::string* bytes) {
+  return path && *path ? qt::fs::ReadWholeFile(path, bytes) : qt::fs::FsError::kInvalidName;
+}
+
 bool Load(const wchar_t* definitionPath, const wchar_t* languageFilePath, CQlg::Impl* into) {
-  const std::string defName = qt::qlg::PathForMessages(definitionPath);
-  const std::string fileName = qt::qlg::PathForMessages(languageFilePath);
+  const std::string defName = PathForMessages(definitionPath);
+  const std::string fileName = PathForMessages(languageFilePath);
   std::string bytes;
-  if (!qt::qlg::ReadWholeFile(definitionPath, &bytes)) {
-    into->lastError = defName + ": cannot read the file";
+  qt::fs::FsError read = ReadNamed(definitionPath, &bytes);
+  if (read != qt::fs::FsError::kOk) {
+    into->lastError = defName + ": cannot read the file: " + qt::fs::FsErrorText(read);
     return false;
   }
   qt::qlg::Definition def;
@@ -132,8 +143,9 @@ bool Load(const wchar_t* definitionPath, const wchar_t* languageFilePath, CQlg::
     into->lastError = error.describe();
     return false;
   }
-  if (!qt::qlg::ReadWholeFile(languageFilePath, &bytes)) {
-    into->lastError = fileName + ": cannot read the file";
+  read = ReadNamed(languageFilePath, &bytes);
+  if (read != qt::fs::FsError::kOk) {
+    into->lastError = fileName + ": cannot read the file: " + qt::fs::FsErrorText(read);
     return false;
   }
   if (bytes.size() >= UINT32_MAX) {
@@ -182,7 +194,7 @@ bool CQlg::init(const wchar_t* definitionPath, const wchar_t* languageFilePath) 
   try {
     ok = Load(definitionPath, languageFilePath, impl_.get());
   } catch (const std::bad_alloc&) {
-    impl_->lastError = qt::qlg::PathForMessages(languageFilePath) + ": out of memory";
+    impl_->lastError = PathForMessages(languageFilePath) + ": out of memory";
     ok = false;
   }
   if (!ok) clear();

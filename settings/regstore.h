@@ -24,7 +24,6 @@
 #include <vector>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt_reg {
 
@@ -96,15 +95,15 @@ struct ReadScope {
 // see at once or not at all). The registry has no such transactions, so on
 // Windows both do nothing and EndWrite(root, false) undoes nothing: callers
 // check everything they can before the first change. Groups do not nest.
-QT_API long BeginWrite(HKEY root);
-QT_API long EndWrite(HKEY root, bool keep);
+long BeginWrite(HKEY root);
+long EndWrite(HKEY root, bool keep);
 
 // Linux only: why the root's store cannot be used, naming its file (for
 // instance that it is damaged and no longer written, or another program's
 // database), after a call failed with kBadDb; "" when nothing is known
 // against it, and always on Windows. The same text goes once to the debug
 // trace (gwdebug).
-QT_API std::string StoreProblem(HKEY root);
+std::string StoreProblem(HKEY root);
 
 // --- portable helpers over the seam (regstore.cpp) ---
 

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "qn_wintypes.h"
-#include "quiltool_export.h"
 
 namespace qt_reg {
 

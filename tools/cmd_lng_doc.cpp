@@ -5,7 +5,7 @@
 #include "file_problem.h"
 #include "gwframe.h"
 #include "qn_utf.h"
-#include "settings/qlg_file.h"
+#include "core/fs.h"
 #include "settings/qlg_utf8.h"
 
 namespace qt_lng {
@@ -52,11 +52,13 @@ Entry* Document::find(int id) {
 }
 
 bool ReadFile(const std::string& path, std::string* bytes) {
-  return qt::qlg::ReadWholeFile(qn_utf8_to_wide(path.c_str()).c_str(), bytes);
+  return !path.empty() && qt::fs::ReadWholeFile(qn_utf8_to_wide(path.c_str()), bytes) == qt::fs::FsError::kOk;
 }
 
 bool WriteFile(const std::string& path, const std::string& bytes) {
-  return qt::qlg::WriteWholeFile(qn_utf8_to_wide(path.c_str()).c_str(), bytes);
+  // Only a file the account may write itself is replaced, keeping its owner
+  // and permissions: a writable folder is not enough.
+  return !path.empty() && qt::fs::ReplaceWholeFile(qn_utf8_to_wide(path.c_str()), bytes) == qt::fs::FsError::kOk;
 }
 
 bool LoadDefinition(const std::string& path, qt::qlg::Definition* out, std::string* error) {

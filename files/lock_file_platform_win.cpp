@@ -6,10 +6,11 @@
 
 #include <string>
 
-#include "files/lock_file.h"
+#include "files/lock_file_platform.h"
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
+namespace platform {
 
 namespace {
 
@@ -50,16 +51,6 @@ Outcome OutcomeFromOsError(int error, Step step) {
   }
 }
 
-bool Exists(const std::wstring& name) { return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-std::wstring FullName(const wchar_t* name) {
-  if (!name || !*name) return std::wstring();
-  wchar_t buf[MAX_PATH * 2];
-  const DWORD n = GetFullPathNameW(name, MAX_PATH * 2, buf, nullptr);
-  if (n == 0 || n >= MAX_PATH * 2) return name;
-  return std::wstring(buf, n);
-}
-
 Outcome Acquire(const std::wstring& name, bool create, HANDLE* handle) {
   HANDLE h = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                          create ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS, nullptr);
@@ -73,6 +64,12 @@ Outcome Probe(const std::wstring& name) {
   const Outcome o = Acquire(name, false, &h);
   if (o == Outcome::Ok) CloseHandle(h);
   return o;
+}
+
+Outcome CanTakeOver(const std::wstring& name) {
+  // Asked only of a file that a probe found free, i.e. one we could open
+  // for writing a moment ago; ask again, the same way.
+  return Probe(name);
 }
 
 Outcome ReadHead(const std::wstring& name, void* buffer, size_t size, size_t* got) {
@@ -111,5 +108,6 @@ void Release(HANDLE handle, const std::wstring& name) {
   DeleteFileW(name.c_str());
 }
 
-}  // namespace lockfile
+}  // namespace platform
+}  // namespace lock_file
 }  // namespace qt

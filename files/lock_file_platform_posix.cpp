@@ -13,11 +13,12 @@
 #include <cerrno>
 #include <string>
 
-#include "files/lock_file.h"
+#include "files/lock_file_platform.h"
 #include "ustr.h"
 
 namespace qt {
-namespace lockfile {
+namespace lock_file {
+namespace platform {
 
 namespace {
 
@@ -68,40 +69,6 @@ Outcome OutcomeFromOsError(int error, Step step) {
       return Outcome::Failed;
   }
   return Outcome::Failed;
-}
-
-bool Exists(const std::wstring& name) {
-  struct stat st;
-  return lstat(Path(name).c_str(), &st) == 0;
-}
-
-std::wstring FullName(const wchar_t* name) {
-  std::wstring path(name ? name : L"");
-  if (path.empty() || path[0] != L'/') {
-    std::string cwd(4096, '\0');
-    if (getcwd(&cwd[0], cwd.size())) {
-      cwd.resize(cwd.find('\0'));
-      path = qn_ansi_to_wide(cwd.c_str()) + L"/" + path;
-    }
-  }
-  // Lexical clean-up only: "." and ".." and doubled separators go; links
-  // stay, so the name is the one the caller's colleagues see.
-  std::wstring out;
-  size_t i = 0;
-  while (i < path.size()) {
-    while (i < path.size() && path[i] == L'/') ++i;
-    const size_t end = path.find(L'/', i);
-    const std::wstring part = path.substr(i, end == std::wstring::npos ? std::wstring::npos : end - i);
-    i = end == std::wstring::npos ? path.size() : end;
-    if (part.empty() || part == L".") continue;
-    if (part == L"..") {
-      const size_t cut = out.rfind(L'/');
-      out.resize(cut == std::wstring::npos ? 0 : cut);
-      continue;
-    }
-    out += L"/" + part;
-  }
-  return out.empty() ? L"/" : out;
 }
 
 namespace {
@@ -191,6 +158,22 @@ Outcome Probe(const std::wstring& name) {
   return lk.l_type == F_UNLCK ? Outcome::Ok : Outcome::Held;
 }
 
+Outcome CanTakeOver(const std::wstring& name) {
+  const std::string path = Path(name);
+  struct stat file, folder;
+  if (lstat(path.c_str(), &file) != 0) return OutcomeFromOsError(errno, Step::Open);
+  if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return Outcome::Ok;
+  // Otherwise Acquire removes it and makes its own: that needs the folder,
+  // and in a sticky folder owning the file or the folder (or being root).
+  const size_t slash = path.rfind('/');
+  const std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+  if (stat(dir.c_str(), &folder) != 0) return OutcomeFromOsError(errno, Step::Open);
+  if (faccessat(AT_FDCWD, dir.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return Outcome::Failed;
+  const uid_t me = geteuid();
+  if ((folder.st_mode & S_ISVTX) && me != 0 && file.st_uid != me && folder.st_uid != me) return Outcome::Failed;
+  return Outcome::Ok;
+}
+
 Outcome ReadHead(const std::wstring& name, void* buffer, size_t size, size_t* got) {
   *got = 0;
   const int fd = open(Path(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -239,5 +222,6 @@ void Release(HANDLE handle, const std::wstring& name) {
   close(fd);
 }
 
-}  // namespace lockfile
+}  // namespace platform
+}  // namespace lock_file
 }  // namespace qt
