@@ -47,6 +47,9 @@ const std::string& ScratchDir() {
 std::string ScratchFile(const std::string& name) { return ScratchDir() + "/" + name; }
 
 bool WriteFile(const std::string& path, const void* data, size_t size) {
+  // A new file, not a truncated one: ext4 flushes a file truncated and
+  // rewritten when it is closed, which would slow every run to disk speed.
+  std::remove(path.c_str());
   FILE* f = std::fopen(path.c_str(), "wb");
   if (!f) return false;
   const bool ok = std::fwrite(data, 1, size, f) == size;

@@ -185,31 +185,50 @@ lane_fuzz() {
     fail_lane fuzz "build failed"
     return
   fi
+  # Fresh seeds from the library's writers; the database ones are too big
+  # to keep in the tree.
+  "$dir/bin/fuzz_make_seeds" "$run_tmp/fuzz-seeds" || { fail_lane fuzz "writing the seeds failed"; return; }
   passed[fuzz]=0
   failed[fuzz]=0
-  local bin name log runs findings
+  local bin name log runs rate findings
   for bin in "$dir"/bin/fuzz_*; do
     name=${bin##*/fuzz_}
     [ "$name" = make_seeds ] && continue
     local inputs=("$run_tmp/fuzz-corpus/$name")
     mkdir -p "${inputs[0]}"
+    [ -d "$run_tmp/fuzz-seeds/$name" ] && inputs+=("$run_tmp/fuzz-seeds/$name")
     [ -d "$root/fuzz/corpus/$name" ] && inputs+=("$root/fuzz/corpus/$name")
     [ -d "$root/fuzz/regressions/$name" ] && inputs+=("$root/fuzz/regressions/$name")
     findings="$dir/findings/$name"
+    rm -rf "$findings"
     mkdir -p "$findings"
     log="$run_tmp/fuzz-$name.log"
+    # Forked jobs keep fuzzing after a finding, so that one known defect
+    # does not hide the next and the rate covers the whole time.
     ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
-      "$bin" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+      "$bin" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
+        -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
         -artifact_prefix="$findings/" "${inputs[@]}" >"$log" 2>&1
-    local rc=$?
-    runs=$(grep -oE 'stat::number_of_executed_units: *[0-9]+' "$log" | grep -oE '[0-9]+$' | tail -1)
-    if [ $rc -eq 0 ] && [ -n "$runs" ]; then
+    local rc=$? found
+    # The last progress line: "#<runs>: cov: ... exec/s <rate> oom/timeout/crash: ..."
+    runs=$(grep -oE '^#[0-9]+:' "$log" | tail -1 | tr -d '#:')
+    rate=$(grep -oE 'exec/s [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+')
+    found=$(find "$findings" -type f | wc -l)
+    if [ $rc -eq 0 ] && [ -n "$runs" ] && [ "$found" -eq 0 ]; then
       passed[fuzz]=$(( ${passed[fuzz]} + 1 ))
-      printf 'fuzz: %-12s %8s runs in %s s, %6s runs/s\n' "$name" "$runs" "$seconds" "$(( runs / seconds ))"
+      printf 'fuzz: %-12s %8s runs in %s s, %6s runs/s\n' "$name" "$runs" "$seconds" "$rate"
     else
       failed[fuzz]=$(( ${failed[fuzz]} + 1 ))
-      echo "fuzz: $name FAILED (exit $rc); the input is kept in $findings" >&2
-      grep -E -A12 '^== property broken|ERROR: (Address|Leak|UndefinedBehavior)Sanitizer|runtime error|ERROR: libFuzzer' "$log" | head -40 >&2
+      printf 'fuzz: %-12s FAILED: %s finding(s), exit %s, %s runs in %s s, %s runs/s; inputs kept in %s\n' \
+        "$name" "$found" "$rc" "${runs:-0}" "$seconds" "${rate:-0}" "$findings" >&2
+      # What the first findings broke, each run again alone, without the stack.
+      local input
+      for input in $(find "$findings" -type f | head -3); do
+        echo "   ${input##*/}:" >&2
+        ASAN_OPTIONS=detect_leaks=1 "$bin" -timeout=10 "$input" 2>&1 |
+          grep -E -A3 '^== property broken|ERROR: (Address|Leak|UndefinedBehavior)Sanitizer|runtime error:|ERROR: libFuzzer: (timeout|out-of-memory)' |
+          grep -vE '^ +#[0-9]|^==[0-9]+==' | head -6 >&2
+      done
     fi
   done
 }
