@@ -15,6 +15,7 @@
 
 #include "fuzz_support.h"
 #include "gwframe.h"
+#include "qn_utf.h"
 
 namespace {
 
@@ -202,10 +203,39 @@ void DispatchNext(const Spelled& f, const std::vector<Arg>& args, size_t i, Outc
   }
 }
 
+// Texts of the other width hold any character: they are converted with the
+// library's own codec (UTF-8 for 8-bit text on Linux), whatever locale the
+// process runs in.
+void CheckOtherWidthText(qt_fuzz::Reader& in) {
+  std::wstring wide;
+  while (in.left() >= 3 && wide.size() < 40) {
+    unsigned long c = in.byte();
+    c |= static_cast<unsigned long>(in.byte()) << 8;
+    c |= static_cast<unsigned long>(in.byte() % 0x11) << 16;
+    if (c == 0 || (c >= 0xD800 && c <= 0xDFFF)) continue;
+    wide += static_cast<wchar_t>(c);
+  }
+  const std::string utf8 = qn_wide_to_utf8(wide.c_str(), wide.size());
+  wchar_t w[256];
+  const int nw = QN_swprintf_s(w, 256, L"[%S]", utf8.c_str());
+  QT_FUZZ_CHECK(nw >= 0 && std::wstring(w, static_cast<size_t>(nw)) == L"[" + wide + L"]",
+                "%S of the 8-bit text " + qt_fuzz::Printable(utf8) + " gives " + std::to_string(nw) + " \"" +
+                    qt_fuzz::Printable(std::wstring(w, nw > 0 ? static_cast<size_t>(nw) : 0)) + "\"");
+  char n8[1024];
+  const int n = QN_sprintf_s(n8, sizeof n8, "[%S]", wide.c_str());
+  QT_FUZZ_CHECK(n >= 0 && std::string(n8, static_cast<size_t>(n)) == "[" + utf8 + "]",
+                "%S of the wide text " + qt_fuzz::Printable(wide) + " gives " + std::to_string(n) + " \"" +
+                    qt_fuzz::Printable(std::string(n8, n > 0 ? static_cast<size_t>(n) : 0)) + "\"");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   qt_fuzz::Reader in(data, size);
+  if (in.byte() & 0x80) {
+    CheckOtherWidthText(in);
+    return 0;
+  }
   Spelled f;
   std::vector<Arg> args;
   const std::string lead = AsciiText(in, 8);

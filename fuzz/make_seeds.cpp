@@ -197,10 +197,19 @@ void MemoSeeds() {
 }
 
 void FormatSeeds() {
-  // Decisions, not text: lead text, then conversions with their arguments.
-  Seed("format", "mixed", std::string("\x04" "abcd" "\x00\x03\x01\x05\x01\x03" "\x00\x00\x00\x00\x00\x00\x01\x02" "\x01", 20) +
+  // Decisions, not text: a mode byte, lead text, then conversions with
+  // their arguments; or (mode byte 0x80) a text of any characters.
+  Seed("format", "mixed", std::string("\x00\x04" "abcd" "\x00\x03\x01\x05\x01\x03" "\x00\x00\x00\x00\x00\x00\x01\x02" "\x01", 21) +
                               std::string("\x02" "xy" "\x04\x10\x01\x02\x00" "\x05" "hello" "\x01", 14));
-  Seed("format", "double", std::string("\x00\x03\x06\x01\x04\x01\x02\x40\x09\x21\xFB\x54\x44\x2D\x18\x02\x00", 17));
+  Seed("format", "double", std::string("\x00\x00\x03\x06\x01\x04\x01\x02\x40\x09\x21\xFB\x54\x44\x2D\x18\x02\x00", 18));
+  std::string other(1, '\x80');
+  for (wchar_t c : std::wstring(L"Gr\u00fc\u00dfe \u65e5\U0001F600")) {
+    const unsigned long v = static_cast<unsigned long>(c);
+    other += static_cast<char>(v & 0xFF);
+    other += static_cast<char>((v >> 8) & 0xFF);
+    other += static_cast<char>(v >> 16);
+  }
+  Seed("format", "other-width", other);
 }
 
 }  // namespace
