@@ -13,6 +13,8 @@ namespace qt_fuzz {
 void Fail(const char* file, int line, const char* what, const std::string& detail) {
   std::fprintf(stderr, "\n== property broken at %s:%d: %s\n   %s\n", file, line, what, detail.c_str());
   std::fflush(stderr);
+  // abort() skips the destructors that would remove the scratch folder.
+  RemoveTree(ScratchDir());
   std::abort();
 }
 
