@@ -210,9 +210,10 @@ lane_fuzz() {
         -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
         -artifact_prefix="$findings/" "${inputs[@]}" >"$log" 2>&1
     local rc=$? found
-    # The last progress line: "#<runs>: cov: ... exec/s <rate> oom/timeout/crash: ..."
+    # Runs from the last progress line ("#<runs>: cov: ..."); the rate over
+    # the whole time, restarts of the forked jobs included.
     runs=$(grep -oE '^#[0-9]+:' "$log" | tail -1 | tr -d '#:')
-    rate=$(grep -oE 'exec/s [0-9]+' "$log" | tail -1 | grep -oE '[0-9]+')
+    rate=$(( ${runs:-0} / seconds ))
     found=$(find "$findings" -type f | wc -l)
     if [ $rc -eq 0 ] && [ -n "$runs" ] && [ "$found" -eq 0 ]; then
       passed[fuzz]=$(( ${passed[fuzz]} + 1 ))
