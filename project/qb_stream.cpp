@@ -54,6 +54,9 @@ std::string WrapStream(const std::string& image) {
 short UnwrapStream(const unsigned char* data, size_t size, std::string* image) {
   if (!data || size < kStreamHeader || std::memcmp(data, kMagic, sizeof kMagic) != 0) return QBERR_BADSTREAM;
   if (Get(data + 8, 4) != kVersion) return QBERR_BADSTREAM;
+  // Words no writer sets: a stream with them set is not one of ours, and
+  // taken as it is it would not write back to the same bytes.
+  if (Get(data + 12, 4) != 0 || Get(data + 28, 4) != 0) return QBERR_BADSTREAM;
   const uint64_t length = Get(data + 16, 8);
   if (length != size - kStreamHeader) return QBERR_BADSTREAM;
   const unsigned char* body = data + kStreamHeader;

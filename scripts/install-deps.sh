@@ -8,6 +8,7 @@ packages=(
   libsqlite3-dev libtinyxml2-dev googletest libbenchmark-dev libspdlog-dev
   g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth
   dpkg-dev tcl xz-utils python3
+  clang libclang-rt-dev llvm
 )
 
 missing=()

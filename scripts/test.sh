@@ -4,18 +4,19 @@
 #   linux    the library, tools, benchmarks (built, not run) and all tests
 #   asan     the Linux tests again under AddressSanitizer + UBSan
 #   windows  cross-built with mingw-w64, every test run under Wine (in Xvfb)
+#   fuzz     every libFuzzer harness (fuzz/) for a few seconds each
 # and checks that a program outside the tree builds and runs against the
 # installed package on both targets. Prints one summary per lane and a last
 # line "N passed, N failed"; exits non-zero when anything failed.
 #
-#   usage: scripts/test.sh [lane ...]     (default: linux asan windows)
+#   usage: scripts/test.sh [lane ...]     (default: linux asan windows fuzz)
 set -uo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QUILTOOL_BUILD_DIR:-$root/build}
 jobs=${QUILTOOL_JOBS:-$(nproc)}
 lanes=("$@")
-[ ${#lanes[@]} -gt 0 ] || lanes=(linux asan windows)
+[ ${#lanes[@]} -gt 0 ] || lanes=(linux asan windows fuzz)
 
 if [ "$(id -u)" = 0 ]; then
   bash "$root/scripts/install-deps.sh" || { echo "installing dependencies failed" >&2; exit 1; }
@@ -179,6 +180,68 @@ lane_windows() {
   fi
 }
 
+# Each harness runs for a bounded time over its seeds and the inputs kept
+# from earlier findings; one that ends without a finding counts as passed.
+# Inputs it finds go to a scratch corpus, findings to build/fuzz/findings.
+lane_fuzz() {
+  local dir="$build/fuzz" seconds=${QUILTOOL_FUZZ_SECONDS:-15}
+  command -v clang++ >/dev/null || { fail_lane fuzz "clang++ is not installed"; return; }
+  CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILTOOL_FUZZ=ON \
+    -DQUILTOOL_BUILD_TESTS=OFF -DQUILTOOL_BUILD_TOOLS=OFF >/dev/null || { fail_lane fuzz "configure failed"; return; }
+  if ! ninja -C "$dir" -j "$jobs" fuzz_all >"$run_tmp/build-fuzz.log" 2>&1; then
+    grep -E 'error|FAILED|undefined' "$run_tmp/build-fuzz.log" | head -60 >&2
+    fail_lane fuzz "build failed"
+    return
+  fi
+  # Fresh seeds from the library's writers; the database ones are too big
+  # to keep in the tree.
+  "$dir/bin/fuzz_make_seeds" "$run_tmp/fuzz-seeds" || { fail_lane fuzz "writing the seeds failed"; return; }
+  passed[fuzz]=0
+  failed[fuzz]=0
+  local bin name log runs rate findings
+  for bin in "$dir"/bin/fuzz_*; do
+    name=${bin##*/fuzz_}
+    [ "$name" = make_seeds ] && continue
+    local inputs=("$run_tmp/fuzz-corpus/$name")
+    mkdir -p "${inputs[0]}"
+    [ -d "$run_tmp/fuzz-seeds/$name" ] && inputs+=("$run_tmp/fuzz-seeds/$name")
+    [ -d "$root/fuzz/corpus/$name" ] && inputs+=("$root/fuzz/corpus/$name")
+    [ -d "$root/fuzz/regressions/$name" ] && inputs+=("$root/fuzz/regressions/$name")
+    findings="$dir/findings/$name"
+    rm -rf "$findings"
+    mkdir -p "$findings"
+    log="$run_tmp/fuzz-$name.log"
+    # Forked jobs keep fuzzing after a finding, so that one known defect
+    # does not hide the next and the rate covers the whole time.
+    ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
+      "$bin" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
+        -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        -artifact_prefix="$findings/" "${inputs[@]}" >"$log" 2>&1
+    local rc=$? found
+    # Runs from the last progress line ("#<runs>: cov: ..."); the rate over
+    # the whole time, restarts of the forked jobs included.
+    runs=$(grep -oE '^#[0-9]+:' "$log" | tail -1 | tr -d '#:')
+    rate=$(( ${runs:-0} / seconds ))
+    found=$(find "$findings" -type f | wc -l)
+    if [ $rc -eq 0 ] && [ -n "$runs" ] && [ "$found" -eq 0 ]; then
+      passed[fuzz]=$(( ${passed[fuzz]} + 1 ))
+      printf 'fuzz: %-12s %8s runs in %s s, %6s runs/s\n' "$name" "$runs" "$seconds" "$rate"
+    else
+      failed[fuzz]=$(( ${failed[fuzz]} + 1 ))
+      printf 'fuzz: %-12s FAILED: %s finding(s), exit %s, %s runs in %s s, %s runs/s; inputs kept in %s\n' \
+        "$name" "$found" "$rc" "${runs:-0}" "$seconds" "${rate:-0}" "$findings" >&2
+      # What the first findings broke, each run again alone, without the stack.
+      local input
+      for input in $(find "$findings" -type f | head -3); do
+        echo "   ${input##*/}:" >&2
+        ASAN_OPTIONS=detect_leaks=1 "$bin" -timeout=10 "$input" 2>&1 |
+          grep -E -A3 '^== property broken|ERROR: (Address|Leak|UndefinedBehavior)Sanitizer|runtime error:|ERROR: libFuzzer: (timeout|out-of-memory)' |
+          grep -vE '^ +#[0-9]|^==[0-9]+==' | head -6 >&2
+      done
+    fi
+  done
+}
+
 for lane in "${lanes[@]}"; do
   echo "== lane $lane"
   start=$SECONDS
@@ -186,6 +249,7 @@ for lane in "${lanes[@]}"; do
     linux) lane_linux ;;
     asan) lane_asan ;;
     windows) lane_windows ;;
+    fuzz) lane_fuzz ;;
     *) echo "unknown lane $lane" >&2; exit 2 ;;
   esac
   echo "== lane $lane took $(( SECONDS - start )) s"
