@@ -161,7 +161,7 @@ class Database {
   }
 
   static std::string Holder(const std::string& file) {
-    const long pid = qt::fileproblem::platform::DatabaseLockHolder(file);
+    const long pid = qt::file_problem::platform::DatabaseLockHolder(file);
     return pid > 0 ? "process " + std::to_string(pid) : std::string("another process");
   }
 

@@ -45,13 +45,12 @@ std::string OwnerText(const ustr& lockFile) {
   return owner.empty() ? "its owner" : "account " + Narrow(owner);
 }
 
-// The lock refuses to be taken when a left-behind file cannot be replaced
-// (another account's file in a folder where only owners delete), which the
-// lock reports as held. Asking again whether anybody holds it tells the two
-// apart, so that status, take and release-stale say the same thing.
+// Another account's lock file that nobody holds, in a folder where only
+// owners delete, can be neither taken over nor removed by this account: the
+// library says so, and status, take and release-stale all report it alike.
 bool ReportUnremovableLeftover(const std::wstring& file, const ustr& lockFile, FILE* err) {
   ustr holder;
-  if (qt_inspect_lock_file(lockFile.c_str(), &holder) != QT_LOCK_FILE_LEFT_BEHIND) return false;
+  if (qt_inspect_lock_file(lockFile.c_str(), &holder) != QT_LOCK_FILE_LEFT_BEHIND_FOREIGN) return false;
   std::fprintf(err,
                "quiltool lock: %s is not locked, but the lock file %s left behind by %s (whose program ended) "
                "cannot be replaced by this account; ask %s or an administrator to remove it\n",
@@ -68,14 +67,13 @@ int Status(const std::wstring& file, FILE* out, FILE* err) {
     case QT_LOCK_FILE_ABSENT:
       std::fprintf(out, "%s: not locked\n", name.c_str());
       return kOk;
+    case QT_LOCK_FILE_LEFT_BEHIND_FOREIGN:
+      std::fprintf(out,
+                   "%s: not locked; the lock file %s was left behind by %s, whose program ended, and this "
+                   "account cannot replace it; ask %s or an administrator to remove it\n",
+                   name.c_str(), lock.c_str(), HolderText(holder).c_str(), OwnerText(lockFile).c_str());
+      return kOk;
     case QT_LOCK_FILE_LEFT_BEHIND:
-      if (!qt_tool::lockwait::MayReplace(lockFile.str())) {
-        std::fprintf(out,
-                     "%s: not locked; the lock file %s was left behind by %s, whose program ended, and this "
-                     "account cannot replace it; ask %s or an administrator to remove it\n",
-                     name.c_str(), lock.c_str(), HolderText(holder).c_str(), OwnerText(lockFile).c_str());
-        return kOk;
-      }
       std::fprintf(out,
                    "%s: not locked; the lock file %s was left behind by %s, whose program ended "
                    "(quiltool lock release-stale removes it)\n",
@@ -119,7 +117,7 @@ int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* er
     return kNotFound;
   }
   const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
-  if (!qt_tool::lockwait::Arm()) {
+  if (!qt::lock_wait::platform::Arm()) {
     std::fprintf(err, "quiltool lock: cannot wait for an interruption here\n");
     return kFailed;
   }
@@ -128,16 +126,16 @@ int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* er
   wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
   const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), user.c_str(), holder, 0);
   if (result != 0) {
-    qt_tool::lockwait::Disarm();
-    if (result == -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
+    qt::lock_wait::platform::Disarm();
+    if (result != -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
     return ReportLockFailure(result, file, lockFile, holder, err);
   }
   std::fprintf(out, "holding %s as %s (lock file %s); interrupt to release\n", Narrow(file).c_str(),
                Narrow(user).c_str(), Narrow(lockFile).c_str());
   std::fflush(out);
-  qt_tool::lockwait::Wait();
+  qt::lock_wait::platform::Wait();
   gwflock_unlock(&lock);
-  qt_tool::lockwait::Disarm();
+  qt::lock_wait::platform::Disarm();
   std::fprintf(out, "released %s\n", Narrow(file).c_str());
   std::fflush(out);
   return kOk;
@@ -158,7 +156,7 @@ int ReleaseStale(const std::wstring& file, FILE* out, FILE* err) {
   wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
   const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), L"", holder, 0);
   if (result != 0) {
-    if (result == -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
+    if (result != -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
     if (result == -2) {
       std::fprintf(err, "quiltool lock: not removed: %s is held by %s, whose program is running\n",
                    Narrow(lockFile).c_str(), HolderText(ustr(holder)).c_str());
@@ -191,7 +189,7 @@ int LockMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
   const std::wstring file = Wide(a.plain[0]);
   if (action == "status") return Status(file, out, err);
   if (action == "release-stale") return ReleaseStale(file, out, err);
-  const std::wstring name = a.has("--user") ? Wide(a.value("--user")) : qt_tool::lockwait::AccountName();
+  const std::wstring name = a.has("--user") ? Wide(a.value("--user")) : qt::lock_wait::platform::AccountName();
   return Take(file, name, out, err);
 }
 

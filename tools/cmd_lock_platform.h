@@ -5,8 +5,9 @@
 
 #include <string>
 
-namespace qt_tool {
-namespace lockwait {
+namespace qt {
+namespace lock_wait {
+namespace platform {
 
 // Catches the interruptions from now on: SIGINT, SIGTERM and SIGHUP on
 // Linux; Ctrl+C, Ctrl+Break, closing the console, logoff and shutdown on
@@ -22,15 +23,11 @@ void Disarm();
 // handler's Ctrl+C on Windows. For tests.
 void InterruptSelf();
 
-// Whether this account could replace the left-behind lock file: write it,
-// or delete it from its folder. False for another account's file in a
-// sticky folder, where only owners delete; true when it cannot be told.
-bool MayReplace(const std::wstring& lockFile);
-
 // The account this process runs as; empty when unknown.
 std::wstring AccountName();
 
-}  // namespace lockwait
-}  // namespace qt_tool
+}  // namespace platform
+}  // namespace lock_wait
+}  // namespace qt
 
 #endif

@@ -12,8 +12,9 @@
 #include "qn_utf.h"
 #include "ustr.h"
 
-namespace qt_tool {
-namespace lockwait {
+namespace qt {
+namespace lock_wait {
+namespace platform {
 
 namespace {
 
@@ -63,19 +64,6 @@ void Disarm() {
 
 void InterruptSelf() { kill(getpid(), SIGINT); }
 
-bool MayReplace(const std::wstring& lockFile) {
-  const std::string path = qn_wide_to_utf8(lockFile.c_str());
-  if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return true;
-  const size_t slash = path.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
-  struct stat file, dir;
-  if (lstat(path.c_str(), &file) != 0 || stat(folder.c_str(), &dir) != 0) return true;
-  if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
-  if (!(dir.st_mode & S_ISVTX)) return true;
-  const uid_t me = geteuid();
-  return me == 0 || file.st_uid == me || dir.st_uid == me;
-}
-
 std::wstring AccountName() {
   long size = sysconf(_SC_GETPW_R_SIZE_MAX);
   std::vector<char> buf(size > 0 ? static_cast<size_t>(size) : 16384);
@@ -85,5 +73,6 @@ std::wstring AccountName() {
   return qn_utf8_to_wide(found->pw_name);
 }
 
-}  // namespace lockwait
-}  // namespace qt_tool
+}  // namespace platform
+}  // namespace lock_wait
+}  // namespace qt

@@ -2,8 +2,9 @@
 
 #include "cmd_lock_platform.h"
 
-namespace qt_tool {
-namespace lockwait {
+namespace qt {
+namespace lock_wait {
+namespace platform {
 
 namespace {
 
@@ -46,13 +47,12 @@ void InterruptSelf() {
 
 // A left-behind file is opened anew by whoever takes the lock; its
 // permissions are the folder's, which the lock's own message reports.
-bool MayReplace(const std::wstring&) { return true; }
-
 std::wstring AccountName() {
   wchar_t name[257];
   DWORD size = 257;
   return GetUserNameW(name, &size) ? std::wstring(name) : std::wstring();
 }
 
-}  // namespace lockwait
-}  // namespace qt_tool
+}  // namespace platform
+}  // namespace lock_wait
+}  // namespace qt

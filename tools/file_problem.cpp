@@ -16,7 +16,7 @@ const char* FileProblemText(FileProblem problem) {
   return "";
 }
 
-FileProblem DiagnoseFile(const std::string& path) { return qt::fileproblem::platform::Diagnose(path); }
+FileProblem DiagnoseFile(const std::string& path) { return qt::file_problem::platform::Diagnose(path); }
 
 std::string CannotRead(const std::string& path) {
   const FileProblem problem = DiagnoseFile(path);

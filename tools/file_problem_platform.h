@@ -8,7 +8,7 @@
 #include "file_problem.h"
 
 namespace qt {
-namespace fileproblem {
+namespace file_problem {
 namespace platform {
 
 // Looks at the file (stat and a read-only open on Linux, its attributes and
@@ -21,7 +21,7 @@ qt_tool::FileProblem Diagnose(const std::string& utf8Path);
 long DatabaseLockHolder(const std::string& utf8Path);
 
 }  // namespace platform
-}  // namespace fileproblem
+}  // namespace file_problem
 }  // namespace qt
 
 #endif

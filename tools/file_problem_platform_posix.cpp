@@ -7,7 +7,7 @@
 #include "file_problem_platform.h"
 
 namespace qt {
-namespace fileproblem {
+namespace file_problem {
 namespace platform {
 
 namespace {
@@ -55,5 +55,5 @@ long DatabaseLockHolder(const std::string& utf8Path) {
 }
 
 }  // namespace platform
-}  // namespace fileproblem
+}  // namespace file_problem
 }  // namespace qt

@@ -4,7 +4,7 @@
 #include "qn_utf.h"
 
 namespace qt {
-namespace fileproblem {
+namespace file_problem {
 namespace platform {
 
 namespace {
@@ -44,5 +44,5 @@ qt_tool::FileProblem Diagnose(const std::string& utf8Path) {
 long DatabaseLockHolder(const std::string&) { return 0; }
 
 }  // namespace platform
-}  // namespace fileproblem
+}  // namespace file_problem
 }  // namespace qt
