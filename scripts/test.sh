@@ -112,13 +112,15 @@ lane_linux() {
     failed[linux]=$(( ${failed[linux]} + 1 ))
     echo "linux: install or consumer build FAILED" >&2
   fi
-  # The installed program finds the installed library by itself.
-  if env -u LD_LIBRARY_PATH "$run_tmp/prefix-linux/bin/quiltool" --version >/dev/null; then
+  # The installed program starts by itself and finds the installed language
+  # files without being told where.
+  if env -u LD_LIBRARY_PATH "$run_tmp/prefix-linux/bin/quiltool" --version >/dev/null &&
+     env -u LD_LIBRARY_PATH "$run_tmp/prefix-linux/bin/quiltool" lng check >/dev/null; then
     passed[linux]=$(( ${passed[linux]} + 1 ))
-    echo "linux: installed bin/quiltool starts without LD_LIBRARY_PATH"
+    echo "linux: installed bin/quiltool starts and finds the installed language files"
   else
     failed[linux]=$(( ${failed[linux]} + 1 ))
-    echo "linux: installed bin/quiltool does not start FAILED" >&2
+    echo "linux: installed bin/quiltool FAILED" >&2
   fi
 }
 

@@ -219,7 +219,16 @@ std::string DefinitionBeside(const std::string& qlgPath) {
 std::string LibraryFolder() {
   ustr folder;
   if (GetModuleDirectory(static_cast<HMODULE>(nullptr), folder) != 0) return std::string();
-  return qn_wide_to_utf8(folder.c_str(), static_cast<size_t>(-1), QN_UTF_REPLACE_INVALID);
+  std::wstring found = folder.str();
+#ifdef QT_TOOL_DATA_FROM_PROGRAM
+  // An installed program sits in bin/, the language files in the library's
+  // folder; the build tree keeps copies beside the program.
+  if (!qt::fs::IsFile(found + L"/QuilQlg.qlg")) {
+    const std::wstring installed = found + L"/" + qn_utf8_to_wide(QT_TOOL_DATA_FROM_PROGRAM);
+    if (qt::fs::IsFile(installed + L"/QuilQlg.qlg")) found = installed;
+  }
+#endif
+  return qn_wide_to_utf8(found.c_str(), static_cast<size_t>(-1), QN_UTF_REPLACE_INVALID);
 }
 
 }  // namespace qt_lng
