@@ -142,7 +142,9 @@ TEST_F(OutOfMemory, ConvertersAnswerEmptyText) {
   std::string narrow = "x";
   std::wstring wide = L"x";
   const auto emptyOrWhole = [](bool refused, bool empty) {
-    if (!refused) EXPECT_FALSE(empty);
+    if (!refused) {
+      EXPECT_FALSE(empty);
+    }
   };
   AtEveryFailurePoint([&] { narrow = qn_wide_to_utf8(L"Gr\u00fc\u00dfe"); },
                       [&](bool refused) { emptyOrWhole(refused, narrow.empty()); });
@@ -181,6 +183,8 @@ TEST_F(OutOfMemory, ModuleNamesAnswerEmptyText) {
   ustr name(L"kept");
   AtEveryFailurePoint([&] { name = Lng::GetAppName(Lng::APP_QNE, true); },
                       [&](bool refused) {
-                        if (!refused) EXPECT_FALSE(name.empty());
+                        if (!refused) {
+                          EXPECT_FALSE(name.empty());
+                        }
                       });
 }
