@@ -117,7 +117,7 @@ int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* er
     return kNotFound;
   }
   const ustr lockFile = FileSharingServiceManager::LockFileName(file.c_str());
-  if (!qt::lock_wait::platform::Arm()) {
+  if (!qt::cmd_lock::platform::Arm()) {
     std::fprintf(err, "quiltool lock: cannot wait for an interruption here\n");
     return kFailed;
   }
@@ -126,16 +126,16 @@ int Take(const std::wstring& file, const std::wstring& user, FILE* out, FILE* er
   wchar_t holder[GWFLOCK_NAME_SIZE] = {0};
   const int result = gwflock_lockw(nullptr, &lock, lockFile.c_str(), user.c_str(), holder, 0);
   if (result != 0) {
-    qt::lock_wait::platform::Disarm();
+    qt::cmd_lock::platform::Disarm();
     if (result != -2 && ReportUnremovableLeftover(file, lockFile, err)) return kFailed;
     return ReportLockFailure(result, file, lockFile, holder, err);
   }
   std::fprintf(out, "holding %s as %s (lock file %s); interrupt to release\n", Narrow(file).c_str(),
                Narrow(user).c_str(), Narrow(lockFile).c_str());
   std::fflush(out);
-  qt::lock_wait::platform::Wait();
+  qt::cmd_lock::platform::Wait();
   gwflock_unlock(&lock);
-  qt::lock_wait::platform::Disarm();
+  qt::cmd_lock::platform::Disarm();
   std::fprintf(out, "released %s\n", Narrow(file).c_str());
   std::fflush(out);
   return kOk;
@@ -189,7 +189,7 @@ int LockMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
   const std::wstring file = Wide(a.plain[0]);
   if (action == "status") return Status(file, out, err);
   if (action == "release-stale") return ReleaseStale(file, out, err);
-  const std::wstring name = a.has("--user") ? Wide(a.value("--user")) : qt::lock_wait::platform::AccountName();
+  const std::wstring name = a.has("--user") ? Wide(a.value("--user")) : qt::cmd_lock::platform::AccountName();
   return Take(file, name, out, err);
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 namespace qt {
-namespace lock_wait {
+namespace cmd_lock {
 namespace platform {
 
 // Catches the interruptions from now on: SIGINT, SIGTERM and SIGHUP on
@@ -27,7 +27,7 @@ void InterruptSelf();
 std::wstring AccountName();
 
 }  // namespace platform
-}  // namespace lock_wait
+}  // namespace cmd_lock
 }  // namespace qt
 
 #endif

@@ -13,7 +13,7 @@
 #include "ustr.h"
 
 namespace qt {
-namespace lock_wait {
+namespace cmd_lock {
 namespace platform {
 
 namespace {
@@ -74,5 +74,5 @@ std::wstring AccountName() {
 }
 
 }  // namespace platform
-}  // namespace lock_wait
+}  // namespace cmd_lock
 }  // namespace qt

@@ -3,7 +3,7 @@
 #include "cmd_lock_platform.h"
 
 namespace qt {
-namespace lock_wait {
+namespace cmd_lock {
 namespace platform {
 
 namespace {
@@ -54,5 +54,5 @@ std::wstring AccountName() {
 }
 
 }  // namespace platform
-}  // namespace lock_wait
+}  // namespace cmd_lock
 }  // namespace qt

@@ -35,7 +35,7 @@ bool Contains(const std::string& text, const std::string& part) { return text.fi
 QT_TEST_CHILD(lock_take) {
   std::thread interrupter([] {
     char line[16];
-    if (std::fgets(line, sizeof line, stdin)) qt::lock_wait::platform::InterruptSelf();
+    if (std::fgets(line, sizeof line, stdin)) qt::cmd_lock::platform::InterruptSelf();
   });
   interrupter.detach();
   return qt_tool::Run({"lock", "take", args.at(0), "--user", args.at(1)}, stdout, stderr);
@@ -128,7 +128,7 @@ std::string Unhex(const std::string& hex) {
 QT_TEST_CHILD(lock_take_hex) {
   std::thread interrupter([] {
     char line[16];
-    if (std::fgets(line, sizeof line, stdin)) qt::lock_wait::platform::InterruptSelf();
+    if (std::fgets(line, sizeof line, stdin)) qt::cmd_lock::platform::InterruptSelf();
   });
   interrupter.detach();
   return qt_tool::Run({"lock", "take", Unhex(args.at(0)), "--user", Unhex(args.at(1))}, stdout, stderr);
