@@ -300,26 +300,21 @@ int FormatInto(std::basic_string<C>& out, const C* format, va_list args) {
   return static_cast<int>(out.size());
 }
 
+template <class C>
+int FormatGuarded(std::basic_string<C>& out, const C* format, va_list args) {
+  return qt::NoThrowWith<int>(
+      "qn_vformat",
+      [&](bool) {
+        out.clear();
+        return -1;
+      },
+      [&]() -> int { return FormatInto(out, format, args); });
+}
+
 }  // namespace
 
-int qn_vformat(std::wstring& out, const wchar_t* format, va_list args) {
-  return qt::NoThrowWith<int>(
-      "qn_vformat",
-      [&](bool) {
-        out.clear();
-        return -1;
-      },
-      [&]() -> int { return FormatInto(out, format, args); });
-}
+int qn_vformat(std::wstring& out, const wchar_t* format, va_list args) { return FormatGuarded(out, format, args); }
 
-int qn_vformat(std::string& out, const char* format, va_list args) {
-  return qt::NoThrowWith<int>(
-      "qn_vformat",
-      [&](bool) {
-        out.clear();
-        return -1;
-      },
-      [&]() -> int { return FormatInto(out, format, args); });
-}
+int qn_vformat(std::string& out, const char* format, va_list args) { return FormatGuarded(out, format, args); }
 
 unsigned long qt_format_runtime_calls() { return t_runtimeCalls; }
