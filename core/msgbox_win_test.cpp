@@ -88,8 +88,3 @@ TEST(RealMessageBox, FocusGoesBackToTheWindowThatHadIt) {
   EXPECT_EQ(edit, GetFocus());
   DestroyWindow(frame);
 }
-
-TEST(LibraryLoad, RegistersTheListHeaderClass) {
-  WNDCLASSW wc{};
-  EXPECT_TRUE(GetClassInfoW(GetModuleHandleW(L"quiltool.dll"), L"GWLBHEADER", &wc));
-}
