@@ -178,8 +178,8 @@ void LanguageSeeds() {
 void LockSeeds() {
   // First byte even: the bytes of a lock file; odd: a name the harness
   // writes itself (three bytes a character).
-  Seed("lock", "plain", std::string(1, '\0') + qt::lockfile::LockContent(L"Anna M\u00fcller"));
-  Seed("lock", "long", std::string(1, '\0') + qt::lockfile::LockContent(std::wstring(99, L'x').append(L"\U0001F600").c_str()));
+  Seed("lock", "plain", std::string(1, '\0') + qt::lock_file::LockContent(L"Anna M\u00fcller"));
+  Seed("lock", "long", std::string(1, '\0') + qt::lock_file::LockContent(std::wstring(99, L'x').append(L"\U0001F600").c_str()));
   std::string name(1, '\1');
   for (wchar_t c : std::wstring(L"J\u00f6rg \U0001F600 K")) {
     const unsigned long v = static_cast<unsigned long>(c);
