@@ -5,6 +5,7 @@
 #include <string>
 
 #include "QBaseDb.h"
+#include "failure_points.h"
 #include "project/qb_test_fixture.h"
 #include "qb.h"
 
@@ -120,4 +121,29 @@ TEST_F(Composite, FindNextFreeObjIdCounterZeroPadsAndStopsAt32767) {
   EXPECT_EQ(-1, db_.findNextFreeObjIdCounter("CIRCUIT", 5, id, 32766));
   // An unknown set answers no id as free.
   EXPECT_EQ(-1, db_.findNextFreeObjIdCounter("NOSUCH", 3, id, 32760));
+}
+
+// Out of memory at each allocation in turn: an open either gives the file
+// or fails with the engine's out-of-memory status, never an exception.
+TEST(QBaseDbOutOfMemory, OpenFailsCleanlyOrGivesTheFile) {
+  qt_test::TempDir dir;
+  const std::wstring path = dir.wfile("p.qep");
+  ASSERT_TRUE(CreatePanelFile(path));
+  QBaseDbManager manager;
+  qt_test::AtEveryFailurePoint(
+      [&] {
+        QBaseDb db = manager.openFile(path.c_str(), QB_MODE_UPDATE);
+        if (db.isValidDb()) {
+          EXPECT_EQ(QB_OK, manager.lastStatus());
+          db.closeDatabase();
+        } else {
+          EXPECT_EQ(QBERR_NOMEM, manager.lastStatus());
+        }
+      },
+      [](bool) {});
+  // Nothing half-open was left behind: the file opens for update again.
+  QBaseDb again = manager.openFile(path.c_str(), QB_MODE_UPDATE);
+  ASSERT_TRUE(again.isValidDb());
+  EXPECT_TRUE(again.isWritable());
+  again.closeDatabase();
 }
