@@ -160,8 +160,9 @@ TEST(GwarrayOutOfMemory, GrowthFailureEmptiesTheArrayAndReportsWhichCall) {
 // either fully rearranged or left as it was, and the call says -2.
 TEST(GwarrayOutOfMemory, SortAndDeleteArrayLeaveTheArrayWholeOrDone) {
   gwarraytype a = IntArray({3, 1, 2});
+  const std::vector<int> keys{30, 10, 20};
   int result = 0;
-  qt_test::AtEveryFailurePoint([&] { result = gwarray_sort(&a, std::vector<int>{30, 10, 20}); },
+  qt_test::AtEveryFailurePoint([&] { result = gwarray_sort(&a, keys); },
                                [&](bool refused) {
                                  if (refused && result == -2) {
                                    EXPECT_EQ((std::vector<int>{3, 1, 2}), Ints(a));

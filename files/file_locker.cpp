@@ -1,6 +1,7 @@
 #include "FileLocker.h"
 
 #include <new>
+#include <utility>
 
 #include "Lng.h"
 #include "core/boundary.h"
@@ -25,7 +26,7 @@ FileLocker::FileLocker(ustr lockedMessage)
 
 FileLocker::FileLocker(ustr lockedMessage, ustr file)
     : m_locked(false), m_alreadyOwned(false), m_lockedMessage(Limited(lockedMessage)) {
-  if (!file.empty()) Lock(file);
+  if (!file.empty()) Lock(std::move(file));
 }
 
 FileLocker::FileLocker(FileLocker&& other) noexcept
@@ -92,8 +93,11 @@ bool FileLocker::Lock(ustr file) {
                   ustr());
       return false;
     }
-    if (!LockFile(file.c_str())) return false;
-    m_lockedFile = GetFullFilePathName(file.c_str());
+    // The name is taken before the lock: a lock this locker could not name
+    // would never be released.
+    ustr full = GetFullFilePathName(file.c_str());
+    if (full.empty() || !LockFile(file.c_str())) return false;
+    m_lockedFile = std::move(full);
     m_locked = true;
     return true;
   });

@@ -286,7 +286,9 @@ TEST(PlainLockOutOfMemory, TakenWholeOrNotAtAll) {
   qt_test::AtEveryFailurePoint(
       [&] { result = gwflock_lockw(nullptr, &r.rec, wide.c_str(), L"jdoe", nullptr, 0); },
       [&](bool refused) {
-        if (!refused) EXPECT_EQ(0, result);
+        if (!refused) {
+          EXPECT_EQ(0, result);
+        }
         if (result == 0) {
           EXPECT_EQ(Content(L"jdoe"), qt_test::ReadFileBytes(path));
           gwflock_unlock(&r.rec);

@@ -252,22 +252,31 @@ TEST_F(RegistryOutOfMemory, ReadersWritersAndListingsKeepTheirAnswers) {
   ustr text;
   qt_test::AtEveryFailurePoint([&] { text = Registry::GetStringAtt(nullptr, L"Oom/Text", fallback); },
                                [&](bool refused) {
-                                 if (!refused || text == stored) EXPECT_EQ(stored, text.str());
-                                 else EXPECT_TRUE(text == fallback || text.empty()) << text.length();
+                                 if (!refused || text == stored) {
+                                   EXPECT_EQ(stored, text.str());
+                                 } else {
+                                   EXPECT_TRUE(text == fallback || text.empty()) << text.length();
+                                 }
                                });
 
   const std::wstring written(150, L'w');
   bool ok = false;
   qt_test::AtEveryFailurePoint([&] { ok = Registry::SetStringAtt(nullptr, L"Oom/Written", written.c_str()); },
                                [&](bool refused) {
-                                 if (!refused) EXPECT_TRUE(ok);
-                                 if (ok) EXPECT_EQ(ReadRaw(HKEY_CURRENT_USER, under(L"Oom"), L"Written").data,
-                                                   Utf16(written, false));
+                                 if (!refused) {
+                                   EXPECT_TRUE(ok);
+                                 }
+                                 if (ok) {
+                                   EXPECT_EQ(ReadRaw(HKEY_CURRENT_USER, under(L"Oom"), L"Written").data,
+                                             Utf16(written, false));
+                                 }
                                });
 
   std::vector<std::pair<ustr_pre<32>, unsigned long>> values;
   qt_test::AtEveryFailurePoint([&] { values = Registry::EnumerateValues(nullptr, L"Oom/"); },
                                [&](bool refused) {
-                                 if (!refused || !values.empty()) EXPECT_EQ(3u, values.size());
+                                 if (!refused || !values.empty()) {
+                                   EXPECT_EQ(3u, values.size());
+                                 }
                                });
 }
