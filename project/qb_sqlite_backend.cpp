@@ -231,6 +231,9 @@ class SqliteBackend final : public Backend {
       sqlite3_finalize(*st);
       *st = nullptr;
     }
+    // A statement a step left behind when it threw (out of memory) would
+    // keep the connection alive after close; none is in use any more.
+    while (sqlite3_stmt* stray = sqlite3_next_stmt(db_, nullptr)) sqlite3_finalize(stray);
     // Closing with a transaction open rolls it back.
     sqlite3_close_v2(db_);
     db_ = nullptr;

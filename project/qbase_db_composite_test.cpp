@@ -123,6 +123,15 @@ TEST_F(Composite, FindNextFreeObjIdCounterZeroPadsAndStopsAt32767) {
   EXPECT_EQ(-1, db_.findNextFreeObjIdCounter("NOSUCH", 3, id, 32760));
 }
 
+// Engine handles in use, whether their file is open or not.
+int HandlesInUse() {
+  int used = 0;
+  for (short h = 0; h < 32767; ++h) {
+    if (qbgetopenmode(h) != QBERR_BADHANDLE) ++used;
+  }
+  return used;
+}
+
 // Out of memory at each allocation in turn: an open either gives the file
 // or fails with an engine status, never an exception, and leaves nothing
 // half-open behind.
@@ -132,8 +141,11 @@ TEST(QBaseDbOutOfMemory, OpenFailsCleanlyOrGivesTheFile) {
   ASSERT_TRUE(CreatePanelFile(path));
   QBaseDbManager manager;
   QBaseDb db;
+  const int before = HandlesInUse();
+  int run = 0;
   qt_test::AtEveryFailurePoint([&] { db = manager.openFile(path.c_str(), QB_MODE_UPDATE); },
                                [&](bool refused) {
+                                 ++run;
                                  if (!refused) {
                                    EXPECT_TRUE(db.isValidDb());
                                  }
@@ -144,6 +156,7 @@ TEST(QBaseDbOutOfMemory, OpenFailsCleanlyOrGivesTheFile) {
                                  } else {
                                    EXPECT_LT(manager.lastStatus(), 0);
                                  }
+                                 EXPECT_EQ(before, HandlesInUse()) << "run " << run;
                                });
   QBaseDb again = manager.openFile(path.c_str(), QB_MODE_UPDATE);
   ASSERT_TRUE(again.isValidDb());
