@@ -10,7 +10,7 @@
 
 #include "Lng.h"
 #include "Logging.h"
-#include "failing_allocations.h"
+#include "failure_points.h"
 #include "gwframe.h"
 #include "qn_presenter.h"
 #include "qn_utf.h"
@@ -18,23 +18,7 @@
 
 namespace {
 
-// Runs call once for each allocation it makes, that allocation and every
-// later one failing, and once more with all memory granted. check sees
-// whether allocations were refused in that run.
-template <class Call, class Check>
-void AtEveryFailurePoint(Call call, Check check) {
-  for (long allowed = 0; allowed < 400; ++allowed) {
-    bool refused = false;
-    {
-      qt_test::FailingAllocations failing(allowed);
-      EXPECT_NO_THROW(call()) << "with " << allowed << " allocations granted";
-      refused = failing.refused() > 0;
-    }
-    check(refused);
-    if (!refused) return;
-  }
-  ADD_FAILURE() << "the call never ran to its end";
-}
+using qt_test::AtEveryFailurePoint;
 
 class AnsweringPresenter : public QnMessagePresenter {
  public:

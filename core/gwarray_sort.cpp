@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "core/boundary.h"
 #include "core/gwarray_records.h"
 #include "gwarray.h"
 
@@ -28,21 +29,19 @@ int Permute(gwarraytype* array, const std::vector<int>& from, const std::vector<
 
 int gwarray_sort(gwarraytype* array, const std::vector<int>& keys) {
   if (!Sortable(array) || keys.size() > static_cast<size_t>(array->count)) return -1;
-  try {
+  return qt::NoThrow<int>("gwarray_sort", -2, [&]() -> int {
     std::vector<int> order(keys.size());
     for (size_t i = 0; i < order.size(); ++i) order[i] = static_cast<int>(i);
     std::sort(order.begin(), order.end(), [&keys](int a, int b) { return keys[a] < keys[b]; });
     std::vector<int> positions(order.size());
     for (size_t i = 0; i < positions.size(); ++i) positions[i] = static_cast<int>(i);
     return Permute(array, order, positions);
-  } catch (const std::bad_alloc&) {
-    return -2;
-  }
+  });
 }
 
 int gwarray_sort(gwarraytype* array, const std::vector<std::pair<int, int>>& pairs) {
   if (!Sortable(array)) return -1;
-  try {
+  return qt::NoThrow<int>("gwarray_sort", -2, [&]() -> int {
     // A position listed twice would duplicate one record over another.
     std::vector<bool> listed(static_cast<size_t>(array->count), false);
     std::vector<int> positions(pairs.size());
@@ -58,7 +57,5 @@ int gwarray_sort(gwarraytype* array, const std::vector<std::pair<int, int>>& pai
     std::vector<int> from(byKey.size());
     for (size_t k = 0; k < from.size(); ++k) from[k] = positions[static_cast<size_t>(byKey[k])];
     return Permute(array, from, positions);
-  } catch (const std::bad_alloc&) {
-    return -2;
-  }
+  });
 }

@@ -4,6 +4,7 @@
 
 #include "core/gmem.h"
 #include "core/gwarray_test_support.h"
+#include "failure_points.h"
 #include "gwarray.h"
 
 using gwarray_test::ErrorCapture;
@@ -153,4 +154,44 @@ TEST(GwarrayOutOfMemory, GrowthFailureEmptiesTheArrayAndReportsWhichCall) {
   }
   EXPECT_EQ(0, fresh.count);
   gwarray_release(&fresh);
+}
+
+// Out of memory inside the working copies of sort and delete: the array is
+// either fully rearranged or left as it was, and the call says -2.
+TEST(GwarrayOutOfMemory, SortAndDeleteArrayLeaveTheArrayWholeOrDone) {
+  gwarraytype a = IntArray({3, 1, 2});
+  const std::vector<int> keys{30, 10, 20};
+  int result = 0;
+  qt_test::AtEveryFailurePoint([&] { result = gwarray_sort(&a, keys); },
+                               [&](bool refused) {
+                                 if (refused && result == -2) {
+                                   EXPECT_EQ((std::vector<int>{3, 1, 2}), Ints(a));
+                                 } else {
+                                   EXPECT_EQ(0, result);
+                                   EXPECT_EQ((std::vector<int>{1, 2, 3}), Ints(a));
+                                 }
+                                 if (result == 0) {
+                                   gwarray_release(&a);
+                                   a = IntArray({3, 1, 2});
+                                 }
+                               });
+  gwarray_release(&a);
+
+  gwarraytype values = IntArray({});
+  gwarraytype gone = IntArray({});
+  const LONG kept[] = {4, 5, 6};
+  for (LONG v : kept) gwlongarray_append(&values, v);
+  gwlongarray_append(&gone, 5);
+  qt_test::AtEveryFailurePoint([&] { result = gwlongarray_delete_array(&values, &gone); },
+                               [&](bool refused) {
+                                 if (refused && result == -2) {
+                                   EXPECT_EQ(3, values.count);
+                                 } else {
+                                   EXPECT_EQ(0, result);
+                                   EXPECT_EQ(2, values.count);
+                                   EXPECT_EQ(-1, gwlongarray_find_index(&values, 5, 0));
+                                 }
+                               });
+  gwarray_release(&values);
+  gwarray_release(&gone);
 }

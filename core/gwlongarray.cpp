@@ -2,6 +2,7 @@
 #include <new>
 #include <vector>
 
+#include "core/boundary.h"
 #include "core/gwarray_records.h"
 #include "gwarray.h"
 
@@ -64,7 +65,7 @@ int gwlongarray_append_unique(gwarraytype* array, LONG value) {
 int gwlongarray_delete_array(gwarraytype* array, const gwarraytype* values) {
   if (!HoldsValues(array) || !Usable(values)) return -1;
   if (values->count > 0 && values->recordSize != kValueSize) return -3;
-  try {
+  return qt::NoThrow<int>("gwlongarray_delete_array", -2, [&]() -> int {
     // Taken first: values may be the array itself.
     std::vector<LONG> wanted(static_cast<size_t>(values->count));
     for (int i = 0; i < values->count; ++i) wanted[static_cast<size_t>(i)] = ValueAt(values, i);
@@ -72,8 +73,6 @@ int gwlongarray_delete_array(gwarraytype* array, const gwarraytype* values) {
       const int at = gwlongarray_find_index(array, v, 0);
       if (at >= 0) gwarray_delete(array, at);
     }
-  } catch (const std::bad_alloc&) {
-    return -2;
-  }
-  return 0;
+    return 0;
+  });
 }

@@ -1,8 +1,10 @@
 #include "FileLocker.h"
 
 #include <new>
+#include <utility>
 
 #include "Lng.h"
+#include "core/boundary.h"
 #include "files/file_sharing_platform.h"
 #include "gwframe.h"
 
@@ -10,7 +12,10 @@ namespace {
 
 const size_t kLockedMessageSize = 256;
 
-ustr Limited(const ustr& message) { return message.left(kLockedMessageSize); }
+// Without memory for the message the locker still works; it only stays silent.
+ustr Limited(const ustr& message) noexcept {
+  return qt::NoThrow<ustr>("FileLocker", ustr(), [&] { return message.left(kLockedMessageSize); });
+}
 
 }  // namespace
 
@@ -21,7 +26,7 @@ FileLocker::FileLocker(ustr lockedMessage)
 
 FileLocker::FileLocker(ustr lockedMessage, ustr file)
     : m_locked(false), m_alreadyOwned(false), m_lockedMessage(Limited(lockedMessage)) {
-  if (!file.empty()) Lock(file);
+  if (!file.empty()) Lock(std::move(file));
 }
 
 FileLocker::FileLocker(FileLocker&& other) noexcept
@@ -53,13 +58,15 @@ FileLocker::~FileLocker() { Unlock(); }
 
 void FileLocker::ShowFailure(const ustr& text, const ustr& file, const ustr& detail) const {
   if (m_lockedMessage.empty()) return;
-  ustr message = text + L"\r\n\r\n" + file;
-  if (!detail.empty()) message += L"\r\n\r\n" + detail;
-  gwmsg(qt::file_sharing::platform::ForegroundWindow(), message.c_str());
+  qt::NoThrowVoid("FileLocker::ShowFailure", [&] {
+    ustr message = text + L"\r\n\r\n" + file;
+    if (!detail.empty()) message += L"\r\n\r\n" + detail;
+    gwmsg(qt::file_sharing::platform::ForegroundWindow(), message.c_str());
+  });
 }
 
 bool FileLocker::Lock(ustr file) {
-  try {
+  return qt::NoThrow<bool>("FileLocker::Lock", false, [&]() -> bool {
     Unlock();
     m_alreadyOwned = false;
     if (!IsInitialized() && !Init(file.c_str())) {
@@ -86,25 +93,24 @@ bool FileLocker::Lock(ustr file) {
                   ustr());
       return false;
     }
-    if (!LockFile(file.c_str())) return false;
-    m_lockedFile = GetFullFilePathName(file.c_str());
+    // The name is taken before the lock: a lock this locker could not name
+    // would never be released.
+    ustr full = GetFullFilePathName(file.c_str());
+    if (full.empty() || !LockFile(file.c_str())) return false;
+    m_lockedFile = std::move(full);
     m_locked = true;
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 bool FileLocker::Unlock() {
   if (!m_locked) return true;
-  try {
+  return qt::NoThrow<bool>("FileLocker::Unlock", false, [&]() -> bool {
     qt::file_sharing::platform::WaitCursor wait;
     if (!UnlockFile(m_lockedFile.c_str())) return false;
     SyncFile(m_lockedFile.c_str(), false);
     m_locked = false;
     m_lockedFile.clear();
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }

@@ -1,7 +1,9 @@
 #include <new>
+#include <utility>
 
 #include "FileLocker.h"
 #include "Lng.h"
+#include "core/boundary.h"
 #include "files/file_sharing_platform.h"
 #include "gwframe.h"
 
@@ -21,17 +23,22 @@ ustr Lines(const std::vector<ustr>& files) {
 MultiFileLocker::MultiFileLocker() : m_locked(false), m_mode(LockAllFiles) {}
 
 MultiFileLocker::MultiFileLocker(ustr lockedMessage)
-    : m_lockedMessage(lockedMessage), m_locked(false), m_mode(LockAllFiles) {}
+    : m_lockedMessage(std::move(lockedMessage)), m_locked(false), m_mode(LockAllFiles) {}
 
 MultiFileLocker::MultiFileLocker(ustr lockedMessage, const std::vector<ustr>& files, int mode)
-    : m_lockedMessage(lockedMessage), m_locked(false), m_mode(mode) {
+    : m_lockedMessage(std::move(lockedMessage)), m_locked(false), m_mode(mode) {
   Lock(files, mode);
 }
 
 MultiFileLocker::~MultiFileLocker() { Unlock(); }
 
 bool MultiFileLocker::Lock(const std::vector<ustr>& files, int mode) {
-  try {
+  // The files locked so far are given back: a set is held whole or not at all.
+  const auto giveBack = [&](bool) {
+    Unlock();
+    return false;
+  };
+  return qt::NoThrowWith<bool>("MultiFileLocker::Lock", giveBack, [&]() -> bool {
     Unlock();
     m_mode = mode;
     std::vector<ustr> missing, notLocked;
@@ -62,10 +69,7 @@ bool MultiFileLocker::Lock(const std::vector<ustr>& files, int mode) {
     }
     Unlock();
     return false;
-  } catch (const std::bad_alloc&) {
-    Unlock();
-    return false;
-  }
+  });
 }
 
 bool MultiFileLocker::Unlock() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "FileLocker.h"
+#include "failure_points.h"
 #include "files/files_test_support.h"
 #include "files/sharing_service.h"
 #include "qt_test.h"
@@ -298,4 +299,53 @@ TEST(MultiFileLocker, LocksAllOrNothingAndNamesTheFailures) {
   EXPECT_TRUE(set.Unlock());
   EXPECT_FALSE(Exists(LockOf(a)));
   EXPECT_FALSE(Exists(LockOf(b)));
+}
+
+// Out of memory at each allocation in turn, through construction, Lock and
+// the destructor: nothing is thrown and no lock is lost.
+TEST(FileLockerOutOfMemory, LocksOrFailsAndNeverLosesALock) {
+  qt_test::TempDir dir;
+  const std::wstring file = MakeFile(dir, "plant.epj");
+  const std::wstring lock = LockOf(file);
+  // Long enough that copying it always needs memory of its own.
+  const std::wstring message(300, L'm');
+  files_test::RecordingPresenter boxes;
+  // The arguments are made beforehand: copying them is the caller's part.
+  std::vector<ustr> args;
+  for (int i = 0; i < 400; ++i) {
+    args.push_back(ustr(L"The file is locked."));
+    args.push_back(ustr(file));
+    args.push_back(ustr(message));
+    args.push_back(ustr(file));
+  }
+  size_t next = 0;
+  bool locked = false;
+  qt_test::AtEveryFailurePoint(
+      [&] {
+        FileLocker locker(std::move(args[next]), std::move(args[next + 1]));
+        locked = locker.IsLocked();
+        FileLocker second(std::move(args[next + 2]));
+        second.Lock(std::move(args[next + 3]));
+        next += 4;
+      },
+      [&](bool refused) {
+        if (!refused) {
+          EXPECT_TRUE(locked);
+          EXPECT_FALSE(Exists(lock));
+        } else if (Exists(lock)) {
+          // Giving a lock back needs memory too. What stays is either still
+          // this process's to release or a leftover the next locker takes.
+          bool owned = false;
+          {
+            FileLocker again(ustr(L""), ustr(file));
+            EXPECT_TRUE(again.IsLocked());
+            owned = again.IsAlreadyOwned();
+          }
+          if (owned) {
+            FileSharingServiceManager manager;
+            EXPECT_TRUE(manager.UnlockFile(file.c_str()));
+          }
+          EXPECT_FALSE(Exists(lock));
+        }
+      });
 }

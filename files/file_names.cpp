@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "core/boundary.h"
 #include "gwframe.h"
 #include "ustr.h"
 
@@ -100,9 +101,6 @@ bool FileNamesAreSame(const wchar_t* a, const wchar_t* b) {
   if (!a || !b) return a == b;
   if (SameIgnoringCase(a, b)) return true;
   if (!SameIgnoringCase(LastPart(a), LastPart(b))) return false;
-  try {
-    return SameIgnoringCase(Normalized(a).c_str(), Normalized(b).c_str());
-  } catch (...) {
-    return false;
-  }
+  return qt::NoThrow<bool>("FileNamesAreSame", false,
+                           [&] { return SameIgnoringCase(Normalized(a).c_str(), Normalized(b).c_str()); });
 }

@@ -73,6 +73,12 @@ class FileSystemService : public SharingService {
     gwflocktype record;
     gwflock_init(&record);
     if (gwflock_lockw(nullptr, &record, lockFile.c_str(), user.c_str(), nullptr, 0) != 0) return false;
+    // Whatever fails from here on (out of memory) gives the lock back
+    // rather than leaving a file nobody will release.
+    struct Release {
+      gwflocktype* record;
+      ~Release() { gwflock_unlock(record); }
+    } release{&record};
     // A lock file taken over from an ended holder still belongs to that
     // holder's account, which is what others are shown. Made anew, it is
     // ours; should somebody slip in meanwhile, they hold the file and we

@@ -35,11 +35,14 @@ bool HoldsLock(const std::wstring& lockFile) {
 }
 
 void AddHeldLock(const std::wstring& lockFile, gwflocktype* record) {
+  // Everything that can fail comes before the caller's record is cleared,
+  // so that a failure leaves the lock with the caller to release.
+  const std::wstring key = qt::file_sharing::platform::FileNameKey(lockFile);
   std::unique_ptr<gwflocktype> kept(new gwflocktype(*record));
-  gwflock_init(record);
-  auto& slot = Held()[qt::file_sharing::platform::FileNameKey(lockFile)];
+  auto& slot = Held()[key];
   if (slot) gwflock_unlock(slot.get());
   slot = std::move(kept);
+  gwflock_init(record);
 }
 
 bool ReleaseHeldLock(const std::wstring& lockFile) {

@@ -13,7 +13,8 @@ namespace files {
 
 // Looked up by the full name of the lock file.
 bool HoldsLock(const std::wstring& lockFile);
-// Takes over a held record (the caller's record is cleared).
+// Takes over a held record (the caller's record is cleared). When it throws,
+// the record is left as it was, still holding the lock.
 void AddHeldLock(const std::wstring& lockFile, gwflocktype* record);
 // Unlocks and forgets; false when this process does not hold it.
 bool ReleaseHeldLock(const std::wstring& lockFile);

@@ -6,6 +6,7 @@
 
 #include "FileSharingServiceManager.h"
 #include "Lng.h"
+#include "core/boundary.h"
 #include "files/file_sharing_platform.h"
 #include "files/sharing_service.h"
 
@@ -54,7 +55,7 @@ FileSharingServiceManager& FileSharingServiceManager::operator=(FileSharingServi
 bool FileSharingServiceManager::IsInitialized() const { return m_service != nullptr; }
 
 bool FileSharingServiceManager::Init(const wchar_t* file) {
-  try {
+  return qt::NoThrow<bool>("FileSharingServiceManager::Init", false, [&]() -> bool {
     const ustr name(file);
     std::unique_ptr<qt::files::SharingService> service = qt::files::ChooseService(name);
     const bool found = service->Init(name);
@@ -62,12 +63,13 @@ bool FileSharingServiceManager::Init(const wchar_t* file) {
     // chooses again.
     if (found) m_service = std::move(service);
     return found;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
-ustr FileSharingServiceManager::GetServiceName() const { return m_service ? m_service->Name() : ustr(); }
+ustr FileSharingServiceManager::GetServiceName() const {
+  return qt::NoThrow<ustr>("FileSharingServiceManager::GetServiceName", ustr(),
+                           [&] { return m_service ? m_service->Name() : ustr(); });
+}
 
 qt::files::SharingService& FileSharingServiceManager::ServiceFor(const wchar_t* file) const {
   if (m_service) return *m_service;
@@ -76,68 +78,55 @@ qt::files::SharingService& FileSharingServiceManager::ServiceFor(const wchar_t* 
 }
 
 bool FileSharingServiceManager::FileExists(const wchar_t* file) const {
-  try {
+  return qt::NoThrow<bool>("FileSharingServiceManager::FileExists", false, [&]() -> bool {
     return file && ServiceFor(file).FileExists(file);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 int FileSharingServiceManager::GetFileLockState(const wchar_t* file, ustr* owner) const {
-  try {
+  return qt::NoThrow<int>("FileSharingServiceManager::GetFileLockState", LockStateUnknown, [&]() -> int {
     return file ? ServiceFor(file).LockState(file, owner) : LockStateUnknown;
-  } catch (const std::bad_alloc&) {
-    return LockStateUnknown;
-  }
+  });
 }
 
 ustr FileSharingServiceManager::GetFileLockStatusText(const wchar_t* file) const {
   const int state = GetFileLockState(file);
   if (state != LockStateLockedByMe && state != LockStateLockedByOther) return ustr();
-  return Lng::text(Lng::APP_QNC, 60296, L"Locked");
+  return Lng::text(Lng::APP_QNC, 60296, L"Locked");  // answers empty text when memory runs out
 }
 
 bool FileSharingServiceManager::SyncFile(const wchar_t* file, bool force) {
-  try {
+  return qt::NoThrow<bool>("FileSharingServiceManager::SyncFile", false, [&]() -> bool {
     return file && ServiceFor(file).Sync(file, force);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 bool FileSharingServiceManager::LockFile(const wchar_t* file) {
-  try {
+  return qt::NoThrow<bool>("FileSharingServiceManager::LockFile", false, [&]() -> bool {
     return file && ServiceFor(file).Lock(file);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 bool FileSharingServiceManager::UnlockFile(const wchar_t* file) {
-  try {
+  return qt::NoThrow<bool>("FileSharingServiceManager::UnlockFile", false, [&]() -> bool {
     return file && ServiceFor(file).Unlock(file);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 ustr FileSharingServiceManager::GetRelativeFilePathName(const wchar_t* file) const {
-  try {
+  return qt::NoThrow<ustr>("FileSharingServiceManager::GetRelativeFilePathName", ustr(), [&]() -> ustr {
     return file ? ServiceFor(file).RelativeName(file) : ustr();
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  });
 }
 
 ustr FileSharingServiceManager::GetFullFilePathName(const wchar_t* file) const {
-  try {
+  return qt::NoThrow<ustr>("FileSharingServiceManager::GetFullFilePathName", ustr(), [&]() -> ustr {
     return file ? ServiceFor(file).FullName(file) : ustr();
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  });
 }
 
 ustr FileSharingServiceManager::LockFileName(const wchar_t* file) {
+  return qt::NoThrow<ustr>("FileSharingServiceManager::LockFileName", ustr(), [&]() -> ustr {
   const ustr name(file);
   size_t dot = ustr::npos;
   for (size_t i = name.length(); i > 0; --i) {
@@ -157,10 +146,13 @@ ustr FileSharingServiceManager::LockFileName(const wchar_t* file) {
     if (replacement) return name.left(dot) + replacement;
   }
   return name + L"~";
+  });
 }
 
 ustr FileSharingServiceManager::GetFileOwner(const wchar_t* file) {
-  std::wstring owner;
-  if (!file || !qt::file_sharing::platform::FileOwnerName(file, &owner)) return ustr();
-  return ustr(owner);
+  return qt::NoThrow<ustr>("FileSharingServiceManager::GetFileOwner", ustr(), [&]() -> ustr {
+    std::wstring owner;
+    if (!file || !qt::file_sharing::platform::FileOwnerName(file, &owner)) return ustr();
+    return ustr(owner);
+  });
 }

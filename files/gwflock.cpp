@@ -9,6 +9,7 @@
 
 #include "files/gwflock_messages.h"
 #include "files/lock_content.h"
+#include "core/boundary.h"
 #include "core/fs.h"
 #include "files/lock_file_platform.h"
 #include "gwframe.h"
@@ -112,16 +113,14 @@ void gwflock_init(gwflocktype* lock) {
 
 int gwflock_lockw(HWND owner, gwflocktype* lock, const wchar_t* lockFile, const wchar_t* user, wchar_t* lockedBy,
                   int showMessages) {
-  try {
+  return qt::NoThrow<int>("gwflock_lockw", -1, [&]() -> int {
     return Lock(owner, lock, lockFile, user, lockedBy, showMessages);
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  });
 }
 
 int gwflock_lock(HWND owner, gwflocktype* lock, const char* lockFile, const char* user, char* lockedBy,
                  int showMessages) {
-  try {
+  return qt::NoThrow<int>("gwflock_lock", -1, [&]() -> int {
     if (lockedBy) lockedBy[0] = '\0';
     const std::wstring file = qn_ansi_to_wide(lockFile ? lockFile : "").substr(0, 260);
     const std::wstring name = qn_ansi_to_wide(user ? user : "").substr(0, 110);
@@ -139,20 +138,18 @@ int gwflock_lock(HWND owner, gwflocktype* lock, const char* lockFile, const char
       QN_strcpy_s(lockedBy, GWFLOCK_NAME_SIZE, narrow.c_str());
     }
     return result;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  });
 }
 
 void gwflock_unlock(gwflocktype* lock) {
   if (!lock || !lock->lockFile[0] || lock->handle == INVALID_HANDLE_VALUE) return;
-  try {
+  const bool released = qt::NoThrow<bool>("gwflock_unlock", false, [&] {
     platform::Release(lock->handle, lock->lockFile);
-  } catch (const std::bad_alloc&) {
-    // Without memory for the name the handle is still given up; the lock
-    // file that stays behind is taken over by the next locker.
-    platform::Release(lock->handle, std::wstring());
-  }
+    return true;
+  });
+  // Without memory for the name the handle is still given up; the lock
+  // file that stays behind is taken over by the next locker.
+  if (!released) qt::NoThrowVoid("gwflock_unlock", [&] { platform::Release(lock->handle, std::wstring()); });
   lock->lockFile[0] = L'\0';
   lock->handle = INVALID_HANDLE_VALUE;
 }

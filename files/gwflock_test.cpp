@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "failure_points.h"
 #include "files/files_test_support.h"
 #include "gwflock.h"
 #include "qt_test.h"
@@ -272,4 +273,29 @@ TEST(PlainLock, OnlyOneHolderAtAnyMomentAcrossProcesses) {
   }
   EXPECT_GT(wins, 0);
   EXPECT_FALSE(fs::exists(fs::u8path(path)));
+}
+
+// Out of memory at each allocation in turn: the lock is either taken whole
+// or not at all (-1), and a failed attempt leaves nothing held or behind.
+TEST(PlainLockOutOfMemory, TakenWholeOrNotAtAll) {
+  qt_test::TempDir dir;
+  const std::string path = dir.file("plant.lkh");
+  const std::wstring wide = qt_test::Widen(path);
+  int result = 0;
+  Record r;
+  qt_test::AtEveryFailurePoint(
+      [&] { result = gwflock_lockw(nullptr, &r.rec, wide.c_str(), L"jdoe", nullptr, 0); },
+      [&](bool refused) {
+        if (!refused) {
+          EXPECT_EQ(0, result);
+        }
+        if (result == 0) {
+          EXPECT_EQ(Content(L"jdoe"), qt_test::ReadFileBytes(path));
+          gwflock_unlock(&r.rec);
+        } else {
+          EXPECT_EQ(-1, result);
+          EXPECT_EQ(INVALID_HANDLE_VALUE, r.rec.handle);
+        }
+        EXPECT_FALSE(fs::exists(fs::u8path(path)));
+      });
 }

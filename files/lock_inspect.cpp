@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "core/boundary.h"
 #include "core/fs.h"
 #include "files/lock_content.h"
 #include "files/lock_file_platform.h"
@@ -10,7 +11,7 @@
 QtLockFileState qt_inspect_lock_file(const wchar_t* lockFile, ustr* holder) {
   namespace platform = qt::lock_file::platform;
   using platform::Outcome;
-  try {
+  return qt::NoThrow<QtLockFileState>("qt_inspect_lock_file", QT_LOCK_FILE_UNKNOWN, [&]() -> QtLockFileState {
     if (holder) holder->clear();
     if (!lockFile || !*lockFile) return QT_LOCK_FILE_UNKNOWN;
     const std::wstring name = qt::fs::FullName(std::wstring(lockFile));
@@ -35,7 +36,5 @@ QtLockFileState qt_inspect_lock_file(const wchar_t* lockFile, ustr* holder) {
     const Outcome mine = platform::CanTakeOver(name);
     if (mine == Outcome::Missing) return QT_LOCK_FILE_ABSENT;
     return mine == Outcome::Ok ? QT_LOCK_FILE_LEFT_BEHIND : QT_LOCK_FILE_LEFT_BEHIND_FOREIGN;
-  } catch (const std::bad_alloc&) {
-    return QT_LOCK_FILE_UNKNOWN;
-  }
+  });
 }

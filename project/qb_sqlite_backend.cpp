@@ -8,6 +8,7 @@
 // index that only member records enter.
 #include <sqlite3.h>
 
+#include <array>
 #include <cstring>
 #include <map>
 
@@ -230,6 +231,9 @@ class SqliteBackend final : public Backend {
       sqlite3_finalize(*st);
       *st = nullptr;
     }
+    // A statement a step left behind when it threw (out of memory) would
+    // keep the connection alive after close; none is in use any more.
+    while (sqlite3_stmt* stray = sqlite3_next_stmt(db_, nullptr)) sqlite3_finalize(stray);
     // Closing with a transaction open rolls it back.
     sqlite3_close_v2(db_);
     db_ = nullptr;
@@ -634,7 +638,8 @@ class SqliteBackend final : public Backend {
     return value == 5 ? QB_OK : QBERR_NOTQBFILE;
   }
 
-  std::vector<sqlite3_stmt**> Statements() {
+  // A fixed array: Close runs from the destructor, where nothing may allocate.
+  std::array<sqlite3_stmt**, 9> Statements() {
     return {&get_, &lookup_, &insert_, &upsert_, &delete_, &members_, &ahmGet_, &ahmPut_, &ahmDelete_};
   }
 
@@ -651,7 +656,7 @@ class SqliteBackend final : public Backend {
         "INSERT OR REPLACE INTO qb_ahm(id, data) VALUES(?1,?2)",
         "DELETE FROM qb_ahm WHERE id=?1",
     };
-    std::vector<sqlite3_stmt**> targets = Statements();
+    const std::array<sqlite3_stmt**, 9> targets = Statements();
     for (size_t i = 0; i < targets.size(); ++i) {
       const int rc = sqlite3_prepare_v3(db_, sql[i], -1, SQLITE_PREPARE_PERSISTENT, targets[i], nullptr);
       if (rc != SQLITE_OK) return rc == SQLITE_BUSY ? QBERR_BUSY : QBERR_NOTQBFILE;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/boundary.h"
 #include "gwframe.h"
 #include "project/qbase_db_impl.h"
 #include "qb.h"
@@ -47,7 +48,8 @@ std::vector<astr_pre<32> > QBaseDb::getObjIdsForOwner(const char* set, short lim
   std::vector<astr_pre<32> > ids;
   QuickMode scope(*this, QuickMode::Read, true);
   char* rec = firstMember(ownerId);
-  try {
+  // Out of memory keeps the ids gathered so far and says so in the status.
+  const bool whole = qt::NoThrow<bool>("QBaseDb::getObjIdsForOwner", false, [&] {
     while (rec && (limit < 1 || ids.size() < static_cast<size_t>(limit))) {
       char id[kIdBuffer];
       char text[kIdBuffer];
@@ -59,9 +61,9 @@ std::vector<astr_pre<32> > QBaseDb::getObjIdsForOwner(const char* set, short lim
       releaseRec(rec);
       rec = next;
     }
-  } catch (const std::bad_alloc&) {
-    keep(QBERR_NOMEM);
-  }
+    return true;
+  });
+  if (!whole) keep(QBERR_NOMEM);
   releaseRec(rec);
   return ids;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "QBaseDb.h"
+#include "failure_points.h"
 #include "project/qb_test_fixture.h"
 #include "qb.h"
 
@@ -120,4 +121,45 @@ TEST_F(Composite, FindNextFreeObjIdCounterZeroPadsAndStopsAt32767) {
   EXPECT_EQ(-1, db_.findNextFreeObjIdCounter("CIRCUIT", 5, id, 32766));
   // An unknown set answers no id as free.
   EXPECT_EQ(-1, db_.findNextFreeObjIdCounter("NOSUCH", 3, id, 32760));
+}
+
+// Engine handles in use, whether their file is open or not.
+int HandlesInUse() {
+  int used = 0;
+  for (short h = 0; h < 32767; ++h) {
+    if (qbgetopenmode(h) != QBERR_BADHANDLE) ++used;
+  }
+  return used;
+}
+
+// Out of memory at each allocation in turn: an open either gives the file
+// or fails with an engine status, never an exception, and leaves nothing
+// half-open behind.
+TEST(QBaseDbOutOfMemory, OpenFailsCleanlyOrGivesTheFile) {
+  qt_test::TempDir dir;
+  const std::wstring path = dir.wfile("p.qep");
+  ASSERT_TRUE(CreatePanelFile(path));
+  QBaseDbManager manager;
+  QBaseDb db;
+  const int before = HandlesInUse();
+  int run = 0;
+  qt_test::AtEveryFailurePoint([&] { db = manager.openFile(path.c_str(), QB_MODE_UPDATE); },
+                               [&](bool refused) {
+                                 ++run;
+                                 if (!refused) {
+                                   EXPECT_TRUE(db.isValidDb());
+                                 }
+                                 if (db.isValidDb()) {
+                                   EXPECT_EQ(QB_OK, manager.lastStatus());
+                                   EXPECT_TRUE(db.isWritable());
+                                   db.closeDatabase();
+                                 } else {
+                                   EXPECT_LT(manager.lastStatus(), 0);
+                                 }
+                                 EXPECT_EQ(before, HandlesInUse()) << "run " << run;
+                               });
+  QBaseDb again = manager.openFile(path.c_str(), QB_MODE_UPDATE);
+  ASSERT_TRUE(again.isValidDb());
+  EXPECT_TRUE(again.isWritable());
+  again.closeDatabase();
 }

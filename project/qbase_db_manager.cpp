@@ -6,6 +6,7 @@
 #include <new>
 #include <string>
 
+#include "core/boundary.h"
 #include "project/qbase_db_impl.h"
 #include "qb.h"
 
@@ -59,14 +60,11 @@ QBaseDb QBaseDbManager::adopt(short handle) {
   }
   QBaseDbImpl* state = QBaseDbImpl::Create(handle, this);
   Entry* e = state ? new (std::nothrow) Entry{state, std::wstring()} : nullptr;
-  bool added = false;
-  if (e) {
-    try {
-      entries_.push_back(e);
-      added = true;
-    } catch (const std::bad_alloc&) {
-    }
-  }
+  // A handle the manager cannot keep is released here, never leaked.
+  const bool added = e && qt::NoThrow<bool>("QBaseDbManager::adopt", false, [&] {
+    entries_.push_back(e);
+    return true;
+  });
   if (!added) {
     delete e;
     delete state;
@@ -103,11 +101,10 @@ QBaseDb QBaseDbManager::openFile(const wchar_t* path, short mode) {
   QBaseDb db = adopt(handle);
   // Opened for update, it is writable from the start.
   if (db.isValidDb() && mode == QB_MODE_UPDATE) db.impl_->writable = 1;
-  try {
+  // Without memory for its name the file stays open, just not findable by name.
+  qt::NoThrowVoid("QBaseDbManager::openFile", [&] {
     if (Entry* e = entryOf(db.impl_)) e->path = path;
-  } catch (const std::bad_alloc&) {
-    // The file stays open, just not findable by name.
-  }
+  });
   return db;
 }
 
@@ -126,10 +123,10 @@ QBaseDb QBaseDbManager::createFile(const wchar_t* path, short hddq, short mode) 
   }
   QBaseDb db = adopt(handle);
   if (db.isValidDb() && mode == QB_MODE_UPDATE) db.impl_->writable = 1;
-  try {
+  // Without memory for its name the file stays open, just not findable by name.
+  qt::NoThrowVoid("QBaseDbManager::createFile", [&] {
     if (Entry* e = entryOf(db.impl_)) e->path = path;
-  } catch (const std::bad_alloc&) {
-  }
+  });
   return db;
 }
 

@@ -5,6 +5,7 @@
 
 #include "Lng.h"
 #include "Registry.h"
+#include "core/boundary.h"
 #include "settings/lng_window_platform.h"
 
 namespace {
@@ -32,31 +33,28 @@ QnWindowPresenter* qn_set_window_presenter(QnWindowPresenter* presenter) {
 }
 
 ustr Lng::makeDlgHeader(AppID textApp, int textId, const wchar_t* defaultText, AppID headerApp) {
-  try {
+  return qt::NoThrow<ustr>("Lng::makeDlgHeader", ustr(), [&]() -> ustr {
     ustr header = GetAppName(headerApp, true);
     const ustr body = text(textApp, textId, defaultText);
     if (!header.empty() && !body.empty()) header += L" - ";
     header += body;
     return header;
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  });
 }
 
 void gwrenamewindow(HWND window, const wchar_t* name, const wchar_t* text) {
-  try {
+  qt::NoThrowVoid("gwrenamewindow", [&] {
     ustr title(name);
     if (text && *text) {
       if (!title.empty()) title += L" - ";
       title += text;
     }
     qt::WindowPresenter().setWindowText(window, title.c_str());
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }
 
 void Lng::setdlgheader(HWND window, const wchar_t* text, AppID headerApp) {
-  try {
+  qt::NoThrowVoid("Lng::setdlgheader", [&] {
     qt::WindowPresenter().setSmallIcon(window, qt::lng_window::platform::AppSmallIcon());
     // The common module's dialogs carry the suite's own name.
     const ustr name = headerApp == APP_QNC ? ustr(L"Quillon") : GetAppName(headerApp, true);
@@ -72,20 +70,18 @@ void Lng::setdlgheader(HWND window, const wchar_t* text, AppID headerApp) {
       caption = mark + caption;
     }
     gwrenamewindow(window, name.c_str(), caption.c_str());
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }
 
 void Lng::setdlgheader(AppID textApp, HWND window, int textId, const wchar_t* defaultText, AppID headerApp) {
-  try {
+  qt::NoThrowVoid("Lng::setdlgheader", [&] {
     const ustr caption = text(textApp, textId, defaultText);
     setdlgheader(window, caption.c_str(), headerApp);
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }
 
 void Lng::setdlgitemtext(HWND dialog, int controlId, const ustr& text, bool addColon) {
-  try {
+  qt::NoThrowVoid("Lng::setdlgitemtext", [&] {
     ustr item(text);
     if (!item.empty()) {
       if (addColon && !item.endsWith(L":")) item += L":";
@@ -96,15 +92,13 @@ void Lng::setdlgitemtext(HWND dialog, int controlId, const ustr& text, bool addC
       }
     }
     qt::WindowPresenter().setDialogItemText(dialog, controlId, item.c_str());
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }
 
 void Lng::setdlgitemtext(AppID textApp, HWND dialog, int controlId, int textId, const wchar_t* defaultText,
                          bool addColon) {
-  try {
+  qt::NoThrowVoid("Lng::setdlgitemtext", [&] {
     const ustr item = text(textApp, textId, defaultText);
     setdlgitemtext(dialog, controlId, item, addColon);
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }

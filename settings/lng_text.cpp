@@ -4,6 +4,7 @@
 
 #include "Lng.h"
 #include "Registry.h"
+#include "core/boundary.h"
 #include "core/module_platform.h"
 #include "settings/lng_apptable.h"
 #include "settings/lng_internal.h"
@@ -68,7 +69,8 @@ ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
 }  // namespace
 
 void Lng::init(short languageId) {
-  try {
+  // Readers that could not be filled answer with the defaults.
+  qt::NoThrowVoid("Lng::init", [&] {
     LanguageState& state = State();
     if (state.initDone) {
       const int mainRow = qt::AppRowIndex(Lng::APP_HPV);
@@ -86,17 +88,11 @@ void Lng::init(short languageId) {
       state.readers[i].init(definition.c_str(), path.c_str());
       state.readers[i].setActiveLanguage(languageId);
     }
-  } catch (const std::bad_alloc&) {
-    // Readers that could not be filled answer with the defaults.
-  }
+  });
 }
 
 ustr Lng::text(AppID id, int textId, const wchar_t* defaultText) {
-  try {
-    return Lookup(id, textId, defaultText);
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  return qt::NoThrow<ustr>("Lng::text", ustr(), [&] { return Lookup(id, textId, defaultText); });
 }
 
 void qt_lng_set_folder(const wchar_t* folder) { State().folderOverride = folder; }

@@ -4,6 +4,7 @@
 #include "QnColor.h"
 #include "Registry.h"
 #include "settings/lng_internal.h"
+#include "failure_points.h"
 #include "settings/lng_test_support.h"
 #include "settings/qlg_reader.h"
 
@@ -162,3 +163,27 @@ TEST(LngText, InterfaceLanguageGermanChangesTheLibrarysTexts) {
 }
 
 }  // namespace
+
+// Out of memory at each allocation in turn: a text is the translation or
+// empty, and a load cut short leaves readers that answer the defaults.
+TEST(LngTextOutOfMemory, TextsAreWholeOrEmptyAndInitNeverThrows) {
+  lng_test::LanguageFolder folder;
+  ASSERT_TRUE(folder.write("QuilQlg.qlg", kMainTexts));
+  qt_test::AtEveryFailurePoint([] { Lng::init(1513); }, [](bool) {});
+  Lng::init(1512);
+  qt_test::AtEveryFailurePoint([] { Lng::init(1513); },
+                               [](bool) {
+                                 const ustr text = Lng::text(Lng::APP_HPV, 100, L"Name");
+                                 EXPECT_TRUE(text == L"Bezeichnung" || text == L"Name") << text.str().size();
+                               });
+  Lng::init(1512);
+  Lng::init(1513);
+  ASSERT_EQ(Lng::text(Lng::APP_HPV, 100, L"Name"), L"Bezeichnung");
+
+  ustr text;
+  qt_test::AtEveryFailurePoint([&] { text = Lng::text(Lng::APP_HPV, 100, L"Name"); },
+                               [&](bool refused) {
+                                 if (!refused) EXPECT_EQ(L"Bezeichnung", text);
+                                 else EXPECT_TRUE(text == L"Bezeichnung" || text.empty());
+                               });
+}

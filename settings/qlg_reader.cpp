@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "core/boundary.h"
 #include "core/fs.h"
 #include "settings/qlg_format.h"
 #include "settings/qlg_utf8.h"
@@ -190,13 +191,17 @@ void CQlg::clear() {
 bool CQlg::init(const wchar_t* definitionPath, const wchar_t* languageFilePath) {
   clear();
   impl_->lastError.clear();
-  bool ok = false;
-  try {
-    ok = Load(definitionPath, languageFilePath, impl_.get());
-  } catch (const std::bad_alloc&) {
-    impl_->lastError = PathForMessages(languageFilePath) + ": out of memory";
-    ok = false;
-  }
+  // A failed load is reported through lastError rather than thrown, so the
+  // caller can still fall back to the default texts.
+  const bool ok = qt::NoThrowWith<bool>(
+      "CQlg::init",
+      [&](bool outOfMemory) {
+        qt::NoThrowVoid("CQlg::init", [&] {
+          impl_->lastError = PathForMessages(languageFilePath) + (outOfMemory ? ": out of memory" : ": unreadable");
+        });
+        return false;
+      },
+      [&] { return Load(definitionPath, languageFilePath, impl_.get()); });
   if (!ok) clear();
   impl_->selectActive();
   return ok;

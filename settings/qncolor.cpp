@@ -3,6 +3,8 @@
 #include <cwchar>
 #include <new>
 
+#include "core/boundary.h"
+
 #include "Lng.h"
 #include "QnColor.h"
 #include "gwframe.h"
@@ -76,9 +78,10 @@ bool QnColor::AcadColor2Rgb(int index, short* r, short* g, short* b) {
 
 wchar_t* QnColor::GetAcadColorName(short index, wchar_t* buffer, size_t size) {
   if (!buffer || index < 0 || index > 256) return nullptr;
-  try {
-    std::memset(buffer, 0, size);
-    if (size == 0) return buffer;
+  std::memset(buffer, 0, size);
+  if (size == 0) return buffer;
+  // Out of memory leaves the buffer empty: a partial name would mislead.
+  qt::NoThrowVoid("QnColor::GetAcadColorName", [&] {
     ustr name;
     if (index == 0) {
       // ByBlock comes from the electrical module's texts, unlike the rest.
@@ -92,15 +95,15 @@ wchar_t* QnColor::GetAcadColorName(short index, wchar_t* buffer, size_t size) {
       name.format(L"Cad-%d", static_cast<int>(index));
     }
     QN_wcscpy_s(buffer, size, name.c_str());
-  } catch (const std::bad_alloc&) {
-  }
+  });
   return buffer;
 }
 
 wchar_t* QnColor::GetColorName(short index, wchar_t* buffer) {
   if (!buffer) return nullptr;
   const size_t kSize = 20;
-  try {
+  bool acad = false;
+  const bool named = qt::NoThrow<bool>("QnColor::GetColorName", false, [&] {
     ustr name;
     switch (index) {
       case 0: name = L"Black"; break;
@@ -110,22 +113,19 @@ wchar_t* QnColor::GetColorName(short index, wchar_t* buffer) {
       case 301: name = Lng::text(Lng::APP_HPV, 36137, L"By project"); break;
       case 302: name = Lng::text(Lng::APP_HPV, 24070, L"By Serie"); break;
       case 303: name = Lng::text(Lng::APP_HPV, 24071, L"By Object"); break;
-      default: return GetAcadColorName(index, buffer, kSize);
+      default: acad = true; return true;
     }
     QN_wcscpy_s(buffer, kSize, name.c_str());
-  } catch (const std::bad_alloc&) {
-    buffer[0] = 0;
-  }
-  return buffer;
+    return true;
+  });
+  if (!named) buffer[0] = 0;
+  return acad ? GetAcadColorName(index, buffer, kSize) : buffer;
 }
 
 ustr QnColor::GetColorName(short index) {
   wchar_t buffer[20] = {0};
-  try {
-    return ustr(GetColorName(index, buffer) ? buffer : L"");
-  } catch (const std::bad_alloc&) {
-    return ustr();
-  }
+  return qt::NoThrow<ustr>("QnColor::GetColorName", ustr(),
+                           [&] { return ustr(GetColorName(index, buffer) ? buffer : L""); });
 }
 
 short QnColor::GetColorFromName(const wchar_t* name) {
@@ -135,12 +135,14 @@ short QnColor::GetColorFromName(const wchar_t* name) {
   for (short i = 0; i < 10; ++i) {
     if (qn_wcsicmp(name, kNames[i]) == 0) return i;
   }
-  try {
+  // Without memory for the translated names the English ones still match.
+  const short translated = qt::NoThrow<short>("QnColor::GetColorFromName", -1, [&]() -> short {
     if (qn_wcsicmp(name, Lng::text(Lng::APP_HPV, 36135, L"ByLayer").c_str()) == 0) return 256;
     if (qn_wcsicmp(name, Lng::text(Lng::APP_HPV, 7804, L"By system").c_str()) == 0) return 300;
     if (qn_wcsicmp(name, Lng::text(Lng::APP_HPV, 36137, L"By project").c_str()) == 0) return 301;
-  } catch (const std::bad_alloc&) {
-  }
+    return -1;
+  });
+  if (translated >= 0) return translated;
   if (qn_wcsicmp(name, L"ByLayer") == 0) return 256;
   if (qn_wcsicmp(name, L"By system") == 0) return 300;
   if (qn_wcsicmp(name, L"By project") == 0) return 301;

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "QnColor.h"
+#include "core/boundary.h"
 #include "core/frame_state.h"
 #include "settings/qncolor_resource.h"
 
@@ -164,7 +165,7 @@ void QnColor::DrawItem(HDC dc, const RECT& rect, int index, QnAlignment alignmen
 
 void QnColor::DrawItem(HDC dc, const RECT& rect, int index, QnAlignment alignment, const wchar_t* text) {
   if (!dc) return;
-  try {
+  qt::NoThrowVoid("QnColor::DrawItem", [&] {
     // The swatch keeps the left end; the alignment places the text in the rest.
     const int vertical = alignment & (AlignTop | AlignVCenter | AlignBottom);
     const RECT box = PlaceSwatch(rect, AlignLeft | vertical);
@@ -178,8 +179,7 @@ void QnColor::DrawItem(HDC dc, const RECT& rect, int index, QnAlignment alignmen
     const int oldMode = SetBkMode(dc, TRANSPARENT);
     DrawTextW(dc, shown.c_str(), -1, &textRect, format);
     SetBkMode(dc, oldMode);
-  } catch (const std::bad_alloc&) {
-  }
+  });
 }
 
 short QnColor::GetAcadColorIndexDlg(HWND parent, short initial) {

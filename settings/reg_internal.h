@@ -29,6 +29,12 @@ struct State {
 
 State& Reg();
 
+// Opens (creating) the user application key named by basePath.
+bool OpenUserKey();
+// root, or for a null root the user application key, opened again when an
+// earlier open failed.
+HKEY Base(HKEY root);
+
 // Cuts the path to 259 characters, turns "/" into "\" and splits it at the
 // last "\" into key (kPathChars) and value (kPathChars).
 void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value);

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "Registry.h"
+#include "core/boundary.h"
 #include "gwframe.h"
 #include "qn_utf.h"
 #include "settings/reg_internal.h"
@@ -34,12 +35,28 @@ void SplitSettingPath(const wchar_t* path, wchar_t* key, wchar_t* value) {
   QN_wcscpy_s(value, kPathChars, last + 1);
 }
 
+bool OpenUserKey() {
+  State& st = Reg();
+  if (qt_reg::CreateKey(HKEY_CURRENT_USER, st.basePath, qt_reg::kKeyAllAccess, &st.userKey) == qt_reg::kOk &&
+      st.userKey)
+    return true;
+  st.userKey = nullptr;
+  return false;
+}
+
+// The key a call without a root means. A user key that could not be opened
+// (a store that was briefly unreachable) is tried again on each use rather
+// than leaving the application without settings until it restarts.
+HKEY Base(HKEY root) {
+  if (root) return root;
+  State& st = Reg();
+  if (!st.userKey && st.basePath[0]) OpenUserKey();
+  return st.userKey;
+}
+
 namespace {
 
 void Split(const wchar_t* path) { SplitSettingPath(path, Reg().keyPart, Reg().valuePart); }
-
-// The key a call without a root means.
-HKEY Base(HKEY root) { return root ? root : Reg().userKey; }
 
 }  // namespace
 
@@ -107,7 +124,7 @@ void CloseApplicationKey(HKEY* key) {
 bool Write(HKEY root, const wchar_t* path, DWORD type, const BYTE* data, DWORD size) {
   State& st = Reg();
   qt_registry::SplitSettingPath(path, st.keyPart, st.valuePart);
-  const HKEY base = root ? root : st.userKey;
+  const HKEY base = qt_registry::Base(root);
   if (!base) return false;
   HKEY key = nullptr;
   if (qt_reg::OpenKey(base, st.keyPart, qt_reg::kKeyWrite, &key) != qt_reg::kOk &&
@@ -121,7 +138,7 @@ bool Write(HKEY root, const wchar_t* path, DWORD type, const BYTE* data, DWORD s
 HKEY OpenForDelete(HKEY root, const wchar_t* path) {
   State& st = Reg();
   qt_registry::SplitSettingPath(path, st.keyPart, st.valuePart);
-  const HKEY base = root ? root : st.userKey;
+  const HKEY base = qt_registry::Base(root);
   HKEY key = nullptr;
   if (!base || qt_reg::OpenKey(base, st.keyPart, qt_reg::kKeyAllAccess, &key) != qt_reg::kOk) return nullptr;
   return key;
@@ -132,7 +149,7 @@ std::vector<std::pair<ustr_pre<32>, unsigned long>> Enumerate(HKEY root, const w
   qt_reg::ReadScope scope;
   State& st = Reg();
   qt_registry::SplitSettingPath(path, st.keyPart, st.valuePart);
-  const HKEY base = root ? root : st.userKey;
+  const HKEY base = qt_registry::Base(root);
   HKEY key = nullptr;
   if (!base || qt_reg::OpenKey(base, st.keyPart, qt_reg::kKeyRead, &key) != qt_reg::kOk) return result;
   struct Closer {
@@ -164,10 +181,7 @@ bool RegInt_Init(const wchar_t* company, const wchar_t* application, const wchar
   st.basePath[0] = 0;
   QN_swprintf_s(st.basePath, qt_registry::kPathChars, L"Software\\%s\\%s\\%s\\", company ? company : L"Any company",
                 application ? application : L"Any application", version ? version : L"Any version");
-  if (qt_reg::CreateKey(HKEY_CURRENT_USER, st.basePath, qt_reg::kKeyAllAccess, &st.userKey) != qt_reg::kOk) {
-    st.userKey = nullptr;
-    return false;
-  }
+  if (!qt_registry::OpenUserKey()) return false;
   if (qt_reg::OpenKey(HKEY_LOCAL_MACHINE, st.basePath, qt_reg::kKeyQueryValue, &st.machineKey) != qt_reg::kOk) {
     st.machineKey = nullptr;
     return false;
@@ -201,7 +215,12 @@ float GetFloatAtt(HKEY root, const wchar_t* path, float defaultValue) {
 }
 
 ustr GetStringAtt(HKEY root, const wchar_t* path, const ustr& defaultValue) {
-  try {
+  // The default is the answer to any failure; when even its copy cannot be
+  // made, empty text is all that is left.
+  const auto giveDefault = [&](bool) {
+    return qt::NoThrow<ustr>("Registry::GetStringAtt", ustr(), [&] { return defaultValue; });
+  };
+  return qt::NoThrowWith<ustr>("Registry::GetStringAtt", giveDefault, [&]() -> ustr {
     qt_reg::ReadScope scope;
     HKEY key = nullptr;
     DWORD size = 0;
@@ -218,9 +237,7 @@ ustr GetStringAtt(HKEY root, const wchar_t* path, const ustr& defaultValue) {
     if (qt_reg::GetSzValue(key, valueName, buffer, &needed) != qt_reg::kOk) return defaultValue;
     result.fixLength();
     return result;
-  } catch (const std::bad_alloc&) {
-    return defaultValue;
-  }
+  });
 }
 
 wchar_t* GetStringAtt(HKEY root, const wchar_t* path, wchar_t* defaultValue) {
@@ -254,13 +271,11 @@ bool SetIntAtt(HKEY root, const wchar_t* path, int value) {
 
 bool SetStringAtt(HKEY root, const wchar_t* path, const wchar_t* value) {
   if (!value) return false;
-  try {
+  return qt::NoThrow<bool>("Registry::SetStringAtt", false, [&] {
     // Stored without its terminating zero, as the suite always has.
     const std::vector<BYTE> bytes = qt_reg::ToUtf16Bytes(value, false);
     return Write(root, path, REG_SZ, bytes.data(), static_cast<DWORD>(bytes.size()));
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 bool SetFloatAtt(HKEY root, const wchar_t* path, float value) {
@@ -286,19 +301,13 @@ bool DeleteKey(HKEY root, const wchar_t* path) {
 }
 
 std::vector<std::pair<ustr_pre<32>, unsigned long>> EnumerateSubKeys(HKEY root, const wchar_t* path) {
-  try {
-    return Enumerate(root, path, true);
-  } catch (const std::bad_alloc&) {
-    return {};
-  }
+  using Listing = std::vector<std::pair<ustr_pre<32>, unsigned long>>;
+  return qt::NoThrow<Listing>("Registry::EnumerateSubKeys", Listing(), [&] { return Enumerate(root, path, true); });
 }
 
 std::vector<std::pair<ustr_pre<32>, unsigned long>> EnumerateValues(HKEY root, const wchar_t* path) {
-  try {
-    return Enumerate(root, path, false);
-  } catch (const std::bad_alloc&) {
-    return {};
-  }
+  using Listing = std::vector<std::pair<ustr_pre<32>, unsigned long>>;
+  return qt::NoThrow<Listing>("Registry::EnumerateValues", Listing(), [&] { return Enumerate(root, path, false); });
 }
 
 }  // namespace Registry

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Registry.h"
+#include "failure_points.h"
 #include "qt_test.h"
 #include "settings/reg_internal.h"
 #include "settings/reg_test_util.h"
@@ -237,3 +238,45 @@ TEST_F(RegistryRing, TextsOfMoreThan1024BytesGiveTheDefault) {
 }
 
 }  // namespace
+
+// Out of memory at each allocation in turn: readers answer the value or the
+// default (empty text only when even the default cannot be copied), writers
+// true with the value stored or false, listings whole or empty.
+class RegistryOutOfMemory : public AppKeyTest {};
+
+TEST_F(RegistryOutOfMemory, ReadersWritersAndListingsKeepTheirAnswers) {
+  const std::wstring stored(200, L's');
+  ASSERT_TRUE(Registry::SetStringAtt(nullptr, L"Oom/Text", stored.c_str()));
+  ASSERT_TRUE(Registry::SetIntAtt(nullptr, L"Oom/Number", 3));
+  const ustr fallback(std::wstring(300, L'd'));
+  ustr text;
+  qt_test::AtEveryFailurePoint([&] { text = Registry::GetStringAtt(nullptr, L"Oom/Text", fallback); },
+                               [&](bool refused) {
+                                 if (!refused || text == stored) {
+                                   EXPECT_EQ(stored, text.str());
+                                 } else {
+                                   EXPECT_TRUE(text == fallback || text.empty()) << text.length();
+                                 }
+                               });
+
+  const std::wstring written(150, L'w');
+  bool ok = false;
+  qt_test::AtEveryFailurePoint([&] { ok = Registry::SetStringAtt(nullptr, L"Oom/Written", written.c_str()); },
+                               [&](bool refused) {
+                                 if (!refused) {
+                                   EXPECT_TRUE(ok);
+                                 }
+                                 if (ok) {
+                                   EXPECT_EQ(ReadRaw(HKEY_CURRENT_USER, under(L"Oom"), L"Written").data,
+                                             Utf16(written, false));
+                                 }
+                               });
+
+  std::vector<std::pair<ustr_pre<32>, unsigned long>> values;
+  qt_test::AtEveryFailurePoint([&] { values = Registry::EnumerateValues(nullptr, L"Oom/"); },
+                               [&](bool refused) {
+                                 if (!refused || !values.empty()) {
+                                   EXPECT_EQ(3u, values.size());
+                                 }
+                               });
+}

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <unordered_set>
@@ -192,13 +193,15 @@ long Walk(Store& store, sqlite3_int64 from, const std::vector<std::wstring>& par
 }
 
 HKEY NewHandle(Store* store, sqlite3_int64 id, DWORD access) {
-  Key* key = new Key();
+  // Owned here until the handle table has taken it: that insert can run
+  // out of memory too.
+  std::unique_ptr<Key> key(new Key());
   key->store = store;
   key->id = id;
   key->access = access;
   key->generation = store->generation();
-  Global().keys.insert(key);
-  return reinterpret_cast<HKEY>(key);
+  Global().keys.insert(key.get());
+  return reinterpret_cast<HKEY>(key.release());
 }
 
 long GetValueRow(Store& store, sqlite3_int64 id, const std::string& fold, DWORD* type, std::vector<BYTE>* data) {

@@ -288,3 +288,27 @@ TEST_F(Store, WindowPositionsCheckAScreenSizedByTheSettings) {
 }
 
 }  // namespace
+
+// Initialises while the store folder cannot be made (a file stands in its
+// way), then clears the way and writes. Args: the blocking file.
+QT_TEST_CHILD(store_retry) {
+  RegInt_Init(L"Retry", L"App", L"1");
+  std::remove(args.at(0).c_str());
+  mkdir(args.at(0).c_str(), 0700);
+  std::printf("write=%d\n", Registry::SetIntAtt(nullptr, L"Key/Value", 5) ? 1 : 0);
+  std::printf("read=%d\n", Registry::GetIntAtt(nullptr, L"Key/Value", 7));
+  return 0;
+}
+
+TEST(StoreFile, AnApplicationKeyThatCouldNotBeOpenedIsOpenedOnNextUse) {
+  qt_test::TempDir dir;
+  const std::string blocker = dir.file("blocked");
+  { std::ofstream(blocker) << "in the way"; }
+  ScopedEnv env("QUILTOOL_HKCU_DIR", blocker + "/store");
+  qt_test::ChildProcess child;
+  ASSERT_TRUE(child.start("store_retry", {blocker}));
+  std::string all;
+  for (std::string line = child.readLine(); !line.empty(); line = child.readLine()) all += line + "\n";
+  EXPECT_EQ(0, child.wait());
+  EXPECT_EQ("write=1\nread=5\n", all);
+}
