@@ -83,8 +83,8 @@ bool DecodeLines(const std::string& bytes, std::vector<std::wstring>* lines, std
     const bool decoded = utf8 ? qn_utf8_to_wide_strict(raw[i].data(), raw[i].size(), &line)
                               : qt::reg_file::platform::EightBitToWide(raw[i].data(), raw[i].size(), &line);
     if (!decoded) {
-      *error = "line " + std::to_string(i + 1) + ": bytes that are no text in the file's encoding (" +
-               (utf8 ? "UTF-8" : "the system's 8-bit text") + ")";
+      *error = "line " + std::to_string(i + 1) + ": the line is not valid " +
+               (utf8 ? "UTF-8" : qt::reg_file::platform::EightBitName()) + " text";
       return false;
     }
     lines->push_back(std::move(line));
@@ -290,7 +290,7 @@ class Parser {
         std::wstring wide;
         if (!qt::reg_file::platform::EightBitToWide(reinterpret_cast<const char*>(value.data.data()),
                                                     value.data.size(), &wide))
-          return bad("text data holds bytes that are no text in the system's 8-bit encoding");
+          return bad(std::string("the text data is not valid ") + qt::reg_file::platform::EightBitName() + " text");
         value.data = qt_reg::ToUtf16Bytes(wide, false);
       }
     } else {

@@ -16,6 +16,8 @@ namespace platform {
 // key or value under a name the file does not hold. Linux's 8-bit text is
 // UTF-8; Windows' is the ANSI code page, where every byte means something.
 bool EightBitToWide(const char* text, size_t size, std::wstring* out);
+// That encoding's name for messages: "UTF-8", "ANSI code page".
+const char* EightBitName();
 
 }  // namespace platform
 }  // namespace reg_file

@@ -12,6 +12,8 @@ bool EightBitToWide(const char* text, size_t size, std::wstring* out) {
   return size == 0 || !out->empty();
 }
 
+const char* EightBitName() { return "ANSI code page"; }
+
 }  // namespace platform
 }  // namespace reg_file
 }  // namespace qt
