@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 
 #include <cstdio>
 #include <fstream>
@@ -11,6 +10,7 @@
 #include <string>
 
 #include "Registry.h"
+#include "core/fs.h"
 #include "qt_test.h"
 #include "settings/monitors.h"
 #include "settings/reg_test_util.h"
@@ -21,10 +21,7 @@ using reg_test::ReadRaw;
 using reg_test::Utf16;
 using reg_test::WriteRaw;
 
-bool FileExists(const std::string& path) {
-  struct stat st;
-  return stat(path.c_str(), &st) == 0;
-}
+bool FileExists(const std::string& path) { return qt::fs::Exists(qt_test::Widen(path)); }
 
 // Sets an environment variable for the children started in its lifetime.
 class ScopedEnv {

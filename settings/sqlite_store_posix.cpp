@@ -11,7 +11,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/fs.h"
 #include "gwframe.h"
+#include "qn_utf.h"
 #include "ustr.h"
 
 namespace qt_reg {
@@ -137,8 +139,12 @@ bool IsNetworkFileSystem(const std::string& dir) {
 
 bool MakeDirs(const std::string& dir, mode_t mode) {
   if (dir.empty()) return false;
-  struct stat st;
-  if (stat(dir.c_str(), &st) == 0) return S_ISDIR(st.st_mode);
+  // A folder named by bytes that are no UTF-8 has no wide name to ask
+  // about; mkdir answers for it below all the same.
+  std::wstring wide;
+  const qt::fs::Kind kind =
+      qn_utf8_to_wide_strict(dir.data(), dir.size(), &wide) ? qt::fs::KindOf(wide) : qt::fs::Kind::kNone;
+  if (kind != qt::fs::Kind::kNone) return kind == qt::fs::Kind::kDirectory;
   const size_t cut = dir.find_last_of('/');
   if (cut != std::string::npos && cut > 0 && !MakeDirs(dir.substr(0, cut), mode)) return false;
   return mkdir(dir.c_str(), mode) == 0 || errno == EEXIST;

@@ -1,15 +1,15 @@
 // quiltool reg: query, add, delete, export and import settings with the
 // arguments of Windows' reg.exe, so that support staff use what they know
 // on a Linux installation too. On Windows it works on the registry itself.
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "cmd_reg_file.h"
 #include "command.h"
+#include "core/fs.h"
+#include "qn_utf.h"
 #include "reg_args.h"
 #include "reg_print.h"
 #include "reg_values.h"
@@ -149,6 +149,18 @@ int Delete(const std::vector<std::string>& argv, FILE* out, FILE* err) {
   return 0;
 }
 
+// File names come as UTF-8 on every system. Bytes that are no UTF-8 are
+// refused rather than decoded with a stand-in character, which would read
+// or write a file of another name.
+bool FileName(const std::string& utf8, std::wstring* wide) {
+  return qn_utf8_to_wide_strict(utf8.data(), utf8.size(), wide) && !wide->empty();
+}
+
+int FileFailure(FILE* err, const char* op, const char* verb, const std::string& file, qt::fs::FsError error) {
+  std::fprintf(err, "quiltool reg %s: cannot %s %s: %s\n", op, verb, file.c_str(), qt::fs::FsErrorText(error));
+  return 1;
+}
+
 long Collect(HKEY root, const std::wstring& path, HKEY key, qt_regfile::Document* doc) {
   qt_regfile::Key block;
   block.root = root;
@@ -183,12 +195,11 @@ int Export(const std::vector<std::string>& argv, FILE* out, FILE* err) {
   std::wstring path;
   if (!KeyArg(args.positional[0], &root, &path)) return Usage(err, "invalid key name");
   const std::string& file = args.positional[1];
-  if (!args.has("/y")) {
-    if (FILE* existing = std::fopen(file.c_str(), "rb")) {
-      std::fclose(existing);
-      std::fprintf(err, "quiltool reg export: %s exists; add /y to overwrite it\n", file.c_str());
-      return 1;
-    }
+  std::wstring wfile;
+  if (!FileName(file, &wfile)) return FileFailure(err, "export", "write", file, qt::fs::FsError::kInvalidName);
+  if (!args.has("/y") && qt::fs::Exists(wfile)) {
+    std::fprintf(err, "quiltool reg export: %s exists; add /y to overwrite it\n", file.c_str());
+    return 1;
   }
   HKEY key = nullptr;
   long rc = qt_reg::OpenKey(root, path.c_str(), qt_reg::kKeyRead, &key);
@@ -199,17 +210,10 @@ int Export(const std::vector<std::string>& argv, FILE* out, FILE* err) {
     rc = Collect(root, path, key, &doc);
   }
   if (rc != qt_reg::kOk) return Failure(err, "export", root, rc, "read " + ToUtf8(FullName(root, path)));
-  const std::string bytes = qt_regfile::Format(doc);
-  FILE* f = std::fopen(file.c_str(), "wb");
-  if (!f) {
-    std::fprintf(err, "quiltool reg export: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
-    return 1;
-  }
-  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-  if (std::fclose(f) != 0 || !written) {
-    std::fprintf(err, "quiltool reg export: cannot write %s\n", file.c_str());
-    return 1;
-  }
+  // Replaced whole, so that an export that fails half-way (a full disk)
+  // leaves an earlier export under the name as it was.
+  const qt::fs::FsError written = qt::fs::ReplaceWholeFile(wfile, qt_regfile::Format(doc));
+  if (written != qt::fs::FsError::kOk) return FileFailure(err, "export", "write", file, written);
   std::fputs(kDone, out);
   return 0;
 }
@@ -243,11 +247,11 @@ int Import(const std::vector<std::string>& argv, FILE* out, FILE* err) {
   if (!Arguments(argv, {}, {}, out, err, &args, &code)) return code;
   if (args.positional.size() != 1) return Usage(err, "import takes one file name");
   const std::string& file = args.positional[0];
+  std::wstring wfile;
+  if (!FileName(file, &wfile)) return FileFailure(err, "import", "read", file, qt::fs::FsError::kInvalidName);
   std::string bytes;
-  if (!qt_regfile::ReadWholeFile(file, &bytes)) {
-    std::fprintf(err, "quiltool reg import: cannot read %s: %s\n", file.c_str(), std::strerror(errno));
-    return 1;
-  }
+  const qt::fs::FsError read = qt::fs::ReadWholeFile(wfile, &bytes);
+  if (read != qt::fs::FsError::kOk) return FileFailure(err, "import", "read", file, read);
   // The whole file is checked before the first change, so that a broken
   // file changes nothing; where the store has transactions, a change that
   // fails half-way takes back the ones before it too.

@@ -4,6 +4,7 @@
 #include <cwctype>
 
 #include "qn_utf.h"
+#include "reg_file_platform.h"
 #include "settings/regstore.h"
 #include "ustr.h"
 
@@ -41,33 +42,71 @@ std::wstring Trim(const std::wstring& s) {
   return s.substr(b, e - b);
 }
 
-std::wstring Decode(const std::string& bytes, bool* utf16) {
-  *utf16 = bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
-           static_cast<unsigned char>(bytes[1]) == 0xFE;
-  if (*utf16) {
-    // Not FromUtf16Bytes: a zero character must not end the text here.
-    return qn_utf16le_to_wide(bytes.data() + 2, bytes.size() - 2);
-  }
-  size_t skip = 0;
-  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) skip = 3;
-  return qn_ansi_to_wide(bytes.data() + skip, bytes.size() - skip);
-}
-
-std::vector<std::wstring> Lines(const std::wstring& text) {
-  std::vector<std::wstring> lines;
-  std::wstring current;
+// Splits at "\r\n", "\r" and "\n" alike; the same for bytes and for wide
+// text, so that a line number means the same line in either.
+template <class Text>
+std::vector<Text> Lines(const Text& text) {
+  std::vector<Text> lines;
+  Text current;
   for (size_t i = 0; i < text.size(); ++i) {
-    const wchar_t c = text[i];
-    if (c == L'\r' || c == L'\n') {
+    const auto c = text[i];
+    if (c == '\r' || c == '\n') {
       lines.push_back(current);
       current.clear();
-      if (c == L'\r' && i + 1 < text.size() && text[i + 1] == L'\n') ++i;
+      if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
     } else {
       current += c;
     }
   }
   if (!current.empty()) lines.push_back(current);
   return lines;
+}
+
+// The file's lines as wide text. 8-bit text is decoded line by line, so
+// that bytes which are no text are refused with the line that holds them;
+// the line breaks themselves are ASCII in every encoding read here (also
+// in the double-byte code pages, whose second bytes are never below 0x40).
+bool DecodeLines(const std::string& bytes, std::vector<std::wstring>* lines, std::string* error) {
+  if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
+      static_cast<unsigned char>(bytes[1]) == 0xFE) {
+    // Not FromUtf16Bytes: a zero character must not end the text here.
+    *lines = Lines(qn_utf16le_to_wide(bytes.data() + 2, bytes.size() - 2));
+    return true;
+  }
+  // A UTF-8 byte-order mark says what the 8-bit text is, on every system.
+  const bool utf8 = bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0;
+  const std::vector<std::string> raw = Lines(bytes.substr(utf8 ? 3 : 0));
+  lines->clear();
+  lines->reserve(raw.size());
+  for (size_t i = 0; i < raw.size(); ++i) {
+    std::wstring line;
+    const bool decoded = utf8 ? qn_utf8_to_wide_strict(raw[i].data(), raw[i].size(), &line)
+                              : qt::reg_file::platform::EightBitToWide(raw[i].data(), raw[i].size(), &line);
+    if (!decoded) {
+      *error = "line " + std::to_string(i + 1) + ": the line is not valid " +
+               (utf8 ? "UTF-8" : qt::reg_file::platform::EightBitName()) + " text";
+      return false;
+    }
+    lines->push_back(std::move(line));
+  }
+  return true;
+}
+
+// A lone half of a UTF-16 surrogate pair is no character: the Linux store
+// keeps names as UTF-8, which has no form for it, so the name would come
+// back as another one. Whole pairs are fine in either width of wchar_t.
+bool HasUnpairedSurrogate(const std::wstring& s) {
+  for (size_t i = 0; i < s.size(); ++i) {
+    const unsigned long c = static_cast<unsigned long>(s[i]);
+    if (c < 0xD800 || c > 0xDFFF) continue;
+    if (c <= 0xDBFF && i + 1 < s.size() && static_cast<unsigned long>(s[i + 1]) >= 0xDC00 &&
+        static_cast<unsigned long>(s[i + 1]) <= 0xDFFF) {
+      ++i;
+      continue;
+    }
+    return true;
+  }
+  return false;
 }
 
 class Parser {
@@ -127,6 +166,7 @@ class Parser {
       name.erase(0, 1);
     }
     if (name.find(L'\0') != std::wstring::npos) return bad("a key name holds a zero character");
+    if (HasUnpairedSurrogate(name)) return bad("a key name holds half of a UTF-16 surrogate pair");
     if (!SplitKeyName(name, &key.root, &key.path))
       return bad("unknown root, malformed key name or a part longer than 255 characters: \"" +
                  qn_wide_to_utf8(name.c_str(), name.size()) + "\"");
@@ -202,6 +242,7 @@ class Parser {
       if (!quoted(text, &at, &value.name)) return false;
       // A name is passed on as a C string; a zero would make it another name.
       if (value.name.find(L'\0') != std::wstring::npos) return bad("a value name holds a zero character");
+      if (HasUnpairedSurrogate(value.name)) return bad("a value name holds half of a UTF-16 surrogate pair");
       if (value.name.size() > kMaxValueName) return bad("a value name is longer than 16383 characters");
     } else {
       return bad("a line is neither a key, a value nor a comment");
@@ -246,7 +287,10 @@ class Parser {
       if (!hexBytes(text, at + 1, &value.data)) return false;
       // In the old format expandable and multiple texts are 8-bit bytes.
       if (!unicode_ && (value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ)) {
-        std::wstring wide = qn_ansi_to_wide(reinterpret_cast<const char*>(value.data.data()), value.data.size());
+        std::wstring wide;
+        if (!qt::reg_file::platform::EightBitToWide(reinterpret_cast<const char*>(value.data.data()),
+                                                    value.data.size(), &wide))
+          return bad(std::string("the text data is not valid ") + qt::reg_file::platform::EightBitName() + " text");
         value.data = qt_reg::ToUtf16Bytes(wide, false);
       }
     } else {
@@ -341,21 +385,11 @@ bool SplitKeyName(const std::wstring& name, HKEY* root, std::wstring* path) {
   }
 }
 
-bool ReadWholeFile(const std::string& file, std::string* bytes) {
-  FILE* f = std::fopen(file.c_str(), "rb");
-  if (!f) return false;
-  char buffer[65536];
-  size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
-  const bool ok = !std::ferror(f);
-  std::fclose(f);
-  return ok;
-}
-
 bool Parse(const std::string& bytes, Document* document, std::string* error) {
+  std::string ignored;
   try {
-    bool utf16 = false;
-    const std::vector<std::wstring> lines = Lines(Decode(bytes, &utf16));
+    std::vector<std::wstring> lines;
+    if (!DecodeLines(bytes, &lines, error ? error : &ignored)) return false;
     Document parsed;
     Parser parser(lines, &parsed);
     if (!parser.run(error)) return false;

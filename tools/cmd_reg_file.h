@@ -1,6 +1,6 @@
 // The ".reg" text format of registry exports, as quiltool reg reads and
 // writes it: "Windows Registry Editor Version 5.00" files in UTF-16LE with
-// a byte-order mark, and the older ANSI "REGEDIT4" files on reading.
+// a byte-order mark, and the older 8-bit "REGEDIT4" files on reading.
 #ifndef QUILTOOL_TOOLS_CMD_REG_FILE_H
 #define QUILTOOL_TOOLS_CMD_REG_FILE_H
 
@@ -38,9 +38,6 @@ struct Document {
 bool SplitKeyName(const std::wstring& name, HKEY* root, std::wstring* path);
 // "HKEY_CURRENT_USER" / "HKEY_LOCAL_MACHINE".
 const wchar_t* RootName(HKEY root);
-
-// The bytes of a whole file; false with errno set when it cannot be read.
-bool ReadWholeFile(const std::string& file, std::string* bytes);
 
 // Parses and checks a whole file, so that nothing is changed for a file
 // that fails anywhere; on failure *error says what and on which line.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "qt_test.h"
+#include "settings/regstore.h"
 #include "tool_test_support.h"
 
 namespace {
@@ -67,6 +68,43 @@ TEST(RegStoreProblems, AreNamedWithTheirFile) {
     EXPECT_TRUE(Contains(b.err, garbage.file("settings.db")) && Contains(b.err, "damaged")) << b.err;
     EXPECT_FALSE(Contains(b.err, "unable to find")) << b.err;
   }
+}
+
+// Linux's 8-bit text is UTF-8, so an old 8-bit file is read as UTF-8: well
+// formed, or refused whole with the line, never imported under a name with
+// a stand-in character.
+TEST(Regedit4OnLinux, IsExactUtf8) {
+  const std::string company = qt_test::UniqueName("QtRegUtf8");
+  const std::wstring wkey = L"Software\\" + qt_test::Widen(company);
+  const std::string key = "HKEY_CURRENT_USER\\Software\\" + company;
+  qt_test::TempDir dir;
+  const std::string file = dir.file("old.reg");
+  const std::string good = "REGEDIT4\n\n[" + key + "\\First]\n\"a\"=\"1\"\n";
+  for (const std::string& tail : std::vector<std::string>{"[" + key + "\\\xFF\x98\x98\x98]\n", "\"\xE6\x97\"=dword:1\n",
+                                  "\"x\"=\"\xC0\xAF\"\n", "\"p\"=hex(2):41,\\\n  ff,00\n"}) {
+    std::ofstream(file, std::ios::binary) << good + tail;
+    const qt_tool_test::Result r = qt_tool_test::RunTool("reg", {"import", file});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(Contains(r.err, "line 5: ") && Contains(r.err, "not valid UTF-8")) << r.err;
+    HKEY k = nullptr;
+    EXPECT_NE(qt_reg::OpenKey(HKEY_CURRENT_USER, wkey.c_str(), qt_reg::kKeyRead, &k), 0) << "nothing imported";
+    if (k) qt_reg::CloseKey(k);
+  }
+
+  // "日本語" as a key and a value name, "名前" as data.
+  const std::string japanese = "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E", name = "\xE5\x90\x8D\xE5\x89\x8D";
+  std::ofstream(file, std::ios::binary) << "REGEDIT4\n\n[" + key + "\\" + japanese + "]\n\"" + japanese + "\"=\"" +
+                                              name + "\"\n";
+  qt_tool_test::Result r = qt_tool_test::RunTool("reg", {"import", file});
+  ASSERT_EQ(r.code, 0) << r.err;
+  const std::string out = dir.file("out.reg");
+  r = qt_tool_test::RunTool("reg", {"export", key + "\\" + japanese, out});
+  ASSERT_EQ(r.code, 0) << r.err;
+  const std::wstring text = L"[" + qt_test::Widen(key + "\\" + japanese) + L"]\r\n\"" + qt_test::Widen(japanese) +
+                            L"\"=\"" + qt_test::Widen(name) + L"\"\r\n";
+  const std::vector<BYTE> bytes = qt_reg::ToUtf16Bytes(text, false);
+  EXPECT_TRUE(Contains(qt_test::ReadFileBytes(out), std::string(bytes.begin(), bytes.end()))) << "exported unchanged";
+  qt_reg::DeleteTree(HKEY_CURRENT_USER, wkey.c_str());
 }
 
 }  // namespace

@@ -1,14 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "Registry.h"
+#include "core/fs.h"
+#include "core/fs_platform.h"
 #include "command.h"
 #include "tool_test_support.h"
 #include "qt_test.h"
+#include "qn_utf.h"
 #include "settings/regstore.h"
 
 namespace {
@@ -282,12 +286,17 @@ TEST_F(RegCommand, NamesWithAZeroAreRefusedAndDataKeepsIt) {
   const std::wstring head = L"Windows Registry Editor Version 5.00\r\n\r\n";
   const std::wstring zero(1, L'\0');
   const std::string file = dir_.file("zero.reg");
-  for (const std::wstring& body : {L"[-" + k + zero + L"\\Junk]\r\n", L"[" + k + L"\\Kept]\r\n\"a" + zero + L"b\"=-\r\n",
-                                   L"[" + k + L"\\Kept]\r\n\"a\\0b\"=\"2\"\r\n"}) {
-    WriteFile(file, Utf16File(head + body));
+  // Each file first makes a key of its own, which must not be there after.
+  const std::wstring fresh = L"[" + k + L"\\Fresh]\r\n\"f\"=dword:1\r\n";
+  for (const std::wstring& body :
+       {L"[-" + k + zero + L"\\Junk]\r\n", L"[" + k + L"\\Kept]\r\n\"kept" + zero + L"x\"=-\r\n",
+        L"[" + k + L"\\Kept]\r\n\"Cu" + zero + L"t\"=dword:1\r\n", L"[" + k + L"\\Kept]\r\n\"a\\0b\"=\"2\"\r\n"}) {
+    WriteFile(file, Utf16File(head + fresh + body));
     const Result r = Reg({"import", file});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("zero character"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find(body[1] == L'-' ? "line 5" : "line 6"), std::string::npos) << r.err;
+    EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_ + L"\\Fresh"));
     EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\Kept", L"a"), qt_reg::ToUtf16Bytes(L"1", true));
   }
   WriteFile(file, Utf16File(head + L"[-" + k + zero + L"\\Junk]\r\n"));
@@ -315,6 +324,114 @@ TEST_F(RegCommand, AnImportThatFailsLateChangesNothing) {
   WriteFile(file, Utf16File(L"Windows Registry Editor Version 5.00\r\n\r\n[" + k + L"\\" + std::wstring(255, L'n') +
                             L"]\r\n\"b\"=\"2\"\r\n"));
   EXPECT_EQ(Reg({"import", file}).code, 0);
+}
+
+// File names are UTF-8 arguments on every system, also where the system's
+// own 8-bit text is no UTF-8; failures say why.
+TEST_F(RegCommand, FilesAreNamedInUtf8AndFailuresGiveTheReason) {
+  ASSERT_EQ(Reg({"add", key_ + "\\" + kName, "/v", kName, "/d", kJapanese}).code, 0);
+  const std::string file = dir_.file(std::string(kJapanese) + ".reg");
+  Result r = Reg({"export", key_, file});
+  ASSERT_EQ(r.code, 0) << r.err;
+  std::string exported;
+  ASSERT_EQ(qt::fs::ReadWholeFile(qt_test::Widen(file), &exported), qt::fs::FsError::kOk);
+  EXPECT_NE(exported.find(Utf16File(L"\"" + std::wstring(kWideName) + L"\"=\"" + kWideJapanese + L"\"").substr(2)),
+            std::string::npos);
+  ASSERT_EQ(Reg({"delete", key_, "/f"}).code, 0);
+  r = Reg({"import", file});
+  ASSERT_EQ(r.code, 0) << r.err;
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\" + kWideName, kWideName), qt_reg::ToUtf16Bytes(kWideJapanese, true));
+
+  const std::string missing = dir_.file("missing.reg");
+  r = Reg({"import", missing});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("cannot read " + missing + ": no such file or folder"), std::string::npos) << r.err;
+  r = Reg({"import", dir_.path()});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("cannot read " + dir_.path() + ": "), std::string::npos) << r.err;
+  const std::string nowhere = dir_.file("none") + "/x.reg";
+  r = Reg({"export", key_, nowhere});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("cannot write " + nowhere + ": no such file or folder"), std::string::npos) << r.err;
+  r = Reg({"export", key_, dir_.path(), "/y"});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("is a folder"), std::string::npos) << r.err;
+  EXPECT_TRUE(qt::fs::IsDirectory(dir_.wpath()));
+}
+
+// An export that fails on the way leaves the earlier one as it was.
+TEST_F(RegCommand, AFailedExportKeepsTheFileItReplaces) {
+  ASSERT_EQ(Reg({"add", key_, "/v", "n", "/d", "1"}).code, 0);
+  const std::string file = dir_.file("kept.reg");
+  ASSERT_EQ(Reg({"export", key_, file}).code, 0);
+  const std::string before = qt_test::ReadFileBytes(file);
+  ASSERT_FALSE(before.empty());
+  ASSERT_EQ(Reg({"add", key_, "/v", "m", "/d", "2"}).code, 0);
+  Result r;
+  {
+    qt::fs::platform::CallsOverride calls;
+    calls->write = [](qt::fs::platform::Handle, const void*, size_t, size_t*) { return qt::fs::FsError::kNoSpace; };
+    r = Reg({"export", key_, file, "/y"});
+  }
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("cannot write " + file + ": no space left on the disk"), std::string::npos) << r.err;
+  EXPECT_EQ(qt_test::ReadFileBytes(file), before);
+  EXPECT_EQ(Reg({"export", key_, file, "/y"}).code, 0);
+  EXPECT_NE(qt_test::ReadFileBytes(file), before);
+}
+
+// A lone half of a surrogate pair in a name is refused with its line; whole
+// pairs and lone halves in data are kept.
+TEST_F(RegCommand, UnpairedSurrogatesInNamesAreRefused) {
+  const std::wstring k = L"HKEY_CURRENT_USER\\" + wkey_;
+  const std::wstring head = L"Windows Registry Editor Version 5.00\r\n\r\n[" + k + L"\\First]\r\n\"a\"=\"1\"\r\n";
+  const std::wstring high(1, static_cast<wchar_t>(0xD800)), low(1, static_cast<wchar_t>(0xDC00));
+  const std::string file = dir_.file("surrogate.reg");
+  for (const std::wstring& tail : {L"[" + k + L"\\x" + high + L"]\r\n", L"[" + k + L"\\" + low + high + L"]\r\n",
+                                   L"\"v" + low + L"\"=dword:1\r\n", L"\"" + high + L"\"=-\r\n"}) {
+    WriteFile(file, Utf16File(head + tail));
+    const Result r = Reg({"import", file});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("line 5: "), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("surrogate"), std::string::npos) << r.err;
+    EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_));
+  }
+  const std::wstring pair = high + low;  // U+10000
+  WriteFile(file, Utf16File(head + L"\"p" + pair + L"\"=\"" + high + L"\"\r\n"));
+  const Result r = Reg({"import", file});
+  ASSERT_EQ(r.code, 0) << r.err;
+  std::wstring name;
+  HKEY key = nullptr;
+  ASSERT_EQ(qt_reg::OpenKey(HKEY_CURRENT_USER, (wkey_ + L"\\First").c_str(), qt_reg::kKeyRead, &key), 0);
+  std::vector<std::wstring> names;
+  for (DWORD i = 0; qt_reg::EnumValue(key, i, &name, nullptr, nullptr) == 0; ++i) names.push_back(name);
+  qt_reg::CloseKey(key);
+  const std::wstring wanted = L"p" + qn_utf16le_to_wide("\x00\xD8\x00\xDC", 4);
+  EXPECT_NE(std::find(names.begin(), names.end(), wanted), names.end());
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\First", wanted), std::vector<BYTE>({0x00, 0xD8, 0, 0}));
+}
+
+// With a UTF-8 byte-order mark an 8-bit file is UTF-8 on every system, and
+// its names import and export unchanged.
+TEST_F(RegCommand, Regedit4WithAUtf8MarkKeepsNonAsciiNames) {
+  const std::string file = dir_.file("marked.reg");
+  WriteFile(file, "\xEF\xBB\xBFREGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\" + company_ + "\\" + kJapanese +
+                      "]\r\n\"" + kName + "\"=\"" + kJapanese + "\"\r\n");
+  Result r = Reg({"import", file});
+  ASSERT_EQ(r.code, 0) << r.err;
+  EXPECT_EQ(Raw(HKEY_CURRENT_USER, wkey_ + L"\\" + kWideJapanese, kWideName), qt_reg::ToUtf16Bytes(kWideJapanese, true));
+  const std::string out = dir_.file("out.reg");
+  ASSERT_EQ(Reg({"export", key_ + "\\" + kJapanese, out}).code, 0);
+  EXPECT_NE(qt_test::ReadFileBytes(out).find(Utf16File(L"\\" + std::wstring(kWideJapanese) + L"]\r\n\"" + kWideName +
+                                                       L"\"=\"" + kWideJapanese + L"\"\r\n")
+                                                  .substr(2)),
+            std::string::npos);
+  WriteFile(file, "\xEF\xBB\xBFREGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\" + company_ + "\\New]\r\n\"" + kName +
+                      "\xFF\"=\"1\"\r\n");
+  r = Reg({"import", file});
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("line 4: "), std::string::npos) << r.err;
+  EXPECT_FALSE(Exists(HKEY_CURRENT_USER, wkey_ + L"\\New"));
 }
 
 }  // namespace
