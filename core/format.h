@@ -2,7 +2,6 @@
 #ifndef QUILTOOL_CORE_FORMAT_H
 #define QUILTOOL_CORE_FORMAT_H
 
-
 // How many times this thread has called the C runtime's formatter. Each
 // numeric directive costs one call (two when its text is very long);
 // strings, characters and broken formats cost none, so a test can tell

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <string>
 
-
 namespace qt {
 namespace fs {
 

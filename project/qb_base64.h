@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <string>
 
-
 namespace qb {
 
 std::string Base64Encode(const unsigned char* data, size_t size);
