@@ -252,6 +252,7 @@ class QT_API QBaseDbManager {
  private:
   struct Entry;
   Entry* entryOf(const QBaseDbImpl* state) const;
+  QBaseDb adoptOpened(short handle, short mode, const wchar_t* path, const char* where);
   void tell(Event event, const QBaseDbImpl* state);
 
   std::vector<Entry*> entries_;

@@ -76,6 +76,18 @@ QBaseDb QBaseDbManager::adopt(short handle) {
   return QBaseDb(state);
 }
 
+// A handle just opened by name: kept, and findable by that name.
+QBaseDb QBaseDbManager::adoptOpened(short handle, short mode, const wchar_t* path, const char* where) {
+  QBaseDb db = adopt(handle);
+  // Opened for update, it is writable from the start.
+  if (db.isValidDb() && mode == QB_MODE_UPDATE) db.impl_->writable = 1;
+  // Without memory for its name the file stays open, just not findable by name.
+  qt::NoThrowVoid(where, [&] {
+    if (Entry* e = entryOf(db.impl_)) e->path = path;
+  });
+  return db;
+}
+
 QBaseDb QBaseDbManager::openFile(const wchar_t* path, short mode) {
   if (!path || !*path) {
     lastStatus_ = QBERR_BADARG;
@@ -98,14 +110,7 @@ QBaseDb QBaseDbManager::openFile(const wchar_t* path, short mode) {
     lastStatus_ = status;
     return QBaseDb();
   }
-  QBaseDb db = adopt(handle);
-  // Opened for update, it is writable from the start.
-  if (db.isValidDb() && mode == QB_MODE_UPDATE) db.impl_->writable = 1;
-  // Without memory for its name the file stays open, just not findable by name.
-  qt::NoThrowVoid("QBaseDbManager::openFile", [&] {
-    if (Entry* e = entryOf(db.impl_)) e->path = path;
-  });
-  return db;
+  return adoptOpened(handle, mode, path, "QBaseDbManager::openFile");
 }
 
 QBaseDb QBaseDbManager::createFile(const wchar_t* path, short hddq, short mode) {
@@ -121,13 +126,7 @@ QBaseDb QBaseDbManager::createFile(const wchar_t* path, short hddq, short mode) 
     lastStatus_ = status;
     return QBaseDb();
   }
-  QBaseDb db = adopt(handle);
-  if (db.isValidDb() && mode == QB_MODE_UPDATE) db.impl_->writable = 1;
-  // Without memory for its name the file stays open, just not findable by name.
-  qt::NoThrowVoid("QBaseDbManager::createFile", [&] {
-    if (Entry* e = entryOf(db.impl_)) e->path = path;
-  });
-  return db;
+  return adoptOpened(handle, mode, path, "QBaseDbManager::createFile");
 }
 
 QBaseDb QBaseDbManager::find(const wchar_t* path) const {

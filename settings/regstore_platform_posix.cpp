@@ -263,18 +263,53 @@ long LoadValue(HKEY key, const wchar_t* name, DWORD* type, std::vector<BYTE>* da
 // What a call answers when its body threw.
 long StoreFailure(bool outOfMemory) { return outOfMemory ? kNotEnoughMemory : kRegistryIoFailed; }
 
+// A call on a handle: no exception escapes, other threads wait, and a
+// handle that stands for nothing never reaches the body.
+template <typename Body>
+long OnKey(const char* where, HKEY handle, Body body) {
+  return qt::NoThrowWith<long>(where, StoreFailure, [&]() -> long {
+    std::lock_guard<std::mutex> lock(Global().mutex);
+    Target t;
+    const long rc = Resolve(handle, &t);
+    return rc == kOk ? body(t) : rc;
+  });
+}
+
+// A change to a store. A read group's snapshot is left first, as the write
+// must see the file as it is now; other processes caching the store learn
+// of the change through the guard, which has to be in place before the
+// first statement.
+template <typename Body>
+long Write(Store& store, bool create, Body body) {
+  const long rc = store.openForWrite(create);
+  store.endRead();
+  if (rc != kOk) return rc;
+  WriteGuard guard(store);
+  if (guard.rc() != kOk) return guard.rc();
+  return body(store);
+}
+
+// A change of several statements, kept whole or not at all.
+template <typename Body>
+long WriteAll(Store& store, bool create, Body body) {
+  return Write(store, create, [&](Store& s) -> long {
+    long rc = s.begin();
+    if (rc != kOk) return rc;
+    rc = body(s);
+    if (rc == kOk) rc = s.commit();
+    if (rc != kOk) s.rollback();
+    return rc;
+  });
+}
+
 }  // namespace
 
 long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
   if (!key) return kInvalidParameter;
   *key = nullptr;
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(parent, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, parent, [&](Target& t) -> long {
     std::vector<std::wstring> parts;
-    rc = ParsePath(subKey, &parts);
+    long rc = ParsePath(subKey, &parts);
     if (rc != kOk) return rc;
     rc = t.store->open(false);
     if (rc == kFileNotFound && parts.empty() && t.id == 0) {
@@ -295,39 +330,26 @@ long OpenKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
 long CreateKey(HKEY parent, const wchar_t* subKey, DWORD access, HKEY* key) {
   if (!key) return kInvalidParameter;
   *key = nullptr;
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(parent, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, parent, [&](Target& t) -> long {
     std::vector<std::wstring> parts;
-    rc = ParsePath(subKey, &parts);
-    if (rc != kOk) return rc;
-    rc = t.store->openForWrite(true);
-    t.store->endRead();
-    if (rc != kOk) return rc;
-    Store& s = *t.store;
-    WriteGuard guard(s);
-    if (guard.rc() != kOk) return guard.rc();
-    rc = s.begin();
-    if (rc != kOk) return rc;
+    const long parsed = ParsePath(subKey, &parts);
+    if (parsed != kOk) return parsed;
     sqlite3_int64 at = t.id;
-    rc = KeyExists(s, at);
-    for (size_t i = 0; rc == kOk && i < parts.size(); ++i) {
-      rc = FindChild(s, at, Fold(parts[i]), &at);
-      if (rc != kFileNotFound) continue;
-      Query q(s.statement(kInsertKey));
-      q.bind(1, at).bind(2, Utf8(parts[i])).bind(3, Fold(parts[i]));
-      const int step = q.step();
-      rc = step == SQLITE_DONE ? kOk : s.fail(step);
-      if (rc == kOk) at = s.lastInsertId();
-    }
-    if (rc == kOk) rc = s.commit();
-    if (rc != kOk) {
-      s.rollback();
+    const long written = WriteAll(*t.store, true, [&](Store& s) -> long {
+      long rc = KeyExists(s, at);
+      for (size_t i = 0; rc == kOk && i < parts.size(); ++i) {
+        rc = FindChild(s, at, Fold(parts[i]), &at);
+        if (rc != kFileNotFound) continue;
+        Query q(s.statement(kInsertKey));
+        q.bind(1, at).bind(2, Utf8(parts[i])).bind(3, Fold(parts[i]));
+        const int step = q.step();
+        rc = step == SQLITE_DONE ? kOk : s.fail(step);
+        if (rc == kOk) at = s.lastInsertId();
+      }
       return rc;
-    }
-    *key = NewHandle(&s, at, access);
+    });
+    if (written != kOk) return written;
+    *key = NewHandle(t.store, at, access);
     return kOk;
   });
 }
@@ -349,11 +371,7 @@ long CloseKey(HKEY key) {
 
 long FlushKey(HKEY key) {
   // Every change is committed durably before it returns.
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    return Resolve(key, &t);
-  });
+  return OnKey(__func__, key, [](Target&) -> long { return kOk; });
 }
 
 long QueryValue(HKEY key, const wchar_t* name, DWORD* type, BYTE* data, DWORD* size) {
@@ -379,98 +397,68 @@ long QueryValue(HKEY key, const wchar_t* name, DWORD* type, BYTE* data, DWORD* s
 
 long SetValue(HKEY key, const wchar_t* name, DWORD type, const BYTE* data, DWORD size) {
   if (!data && size) return kInvalidParameter;
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     if (!(t.access & kKeySetValue)) return kAccessDenied;
     const std::wstring n(name ? name : L"");
     if (n.size() > kMaxValueNameLength) return kInvalidParameter;
-    rc = t.store->openForWrite(true);
-    t.store->endRead();
-    if (rc != kOk) return rc;
-    Store& s = *t.store;
-    WriteGuard guard(s);
-    if (guard.rc() != kOk) return guard.rc();
-    Query q(s.statement(kSetValue));
-    q.bind(1, t.id).bind(2, Utf8(n)).bind(3, Fold(n)).bind(4, static_cast<sqlite3_int64>(type)).bindBlob(5, data, size);
-    const int step = q.step();
-    if (step != SQLITE_DONE) return s.fail(step);
-    return s.changes() > 0 ? kOk : kKeyDeleted;
+    // One statement: its own transaction, so none is begun.
+    return Write(*t.store, true, [&](Store& s) -> long {
+      Query q(s.statement(kSetValue));
+      q.bind(1, t.id).bind(2, Utf8(n)).bind(3, Fold(n)).bind(4, static_cast<sqlite3_int64>(type)).bindBlob(5, data, size);
+      const int step = q.step();
+      if (step != SQLITE_DONE) return s.fail(step);
+      return s.changes() > 0 ? kOk : kKeyDeleted;
+    });
   });
 }
 
 long DeleteValue(HKEY key, const wchar_t* name) {
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     if (!(t.access & kKeySetValue)) return kAccessDenied;
-    rc = t.store->openForWrite(false);
-    t.store->endRead();
-    if (rc != kOk) return rc;
-    Store& s = *t.store;
-    WriteGuard guard(s);
-    if (guard.rc() != kOk) return guard.rc();
-    Query q(s.statement(kDeleteValue));
-    q.bind(1, t.id).bind(2, Fold(name ? name : L""));
-    const int step = q.step();
-    if (step != SQLITE_DONE) return s.fail(step);
-    return s.changes() > 0 ? kOk : kFileNotFound;
+    // Nothing to delete in a store not yet written: it is not made for this.
+    return Write(*t.store, false, [&](Store& s) -> long {
+      Query q(s.statement(kDeleteValue));
+      q.bind(1, t.id).bind(2, Fold(name ? name : L""));
+      const int step = q.step();
+      if (step != SQLITE_DONE) return s.fail(step);
+      return s.changes() > 0 ? kOk : kFileNotFound;
+    });
   });
 }
 
 long DeleteKey(HKEY key, const wchar_t* subKey) {
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     std::vector<std::wstring> parts;
-    rc = ParsePath(subKey, &parts);
-    if (rc != kOk) return rc;
-    rc = t.store->openForWrite(false);
-    t.store->endRead();
-    if (rc != kOk) return rc;
-    Store& s = *t.store;
-    WriteGuard guard(s);
-    if (guard.rc() != kOk) return guard.rc();
-    rc = s.begin();
-    if (rc != kOk) return rc;
-    sqlite3_int64 id = 0;
-    rc = Walk(s, t.id, parts, false, &id);
-    // A root cannot go, nor a key that still has subkeys.
-    if (rc == kOk && id == 0) rc = kAccessDenied;
-    if (rc == kOk) {
-      Query q(s.statement(kHasChildren));
-      q.bind(1, id);
-      const int step = q.step();
-      rc = step == SQLITE_ROW ? kAccessDenied : step == SQLITE_DONE ? kOk : s.fail(step);
-    }
-    for (Statement st : {kDeleteValues, kDeleteKeyRow}) {
-      if (rc != kOk) break;
-      Query q(s.statement(st));
-      q.bind(1, id);
-      const int step = q.step();
-      if (step != SQLITE_DONE) rc = s.fail(step);
-    }
-    if (rc == kOk) rc = s.commit();
-    if (rc != kOk) s.rollback();
-    return rc;
+    const long parsed = ParsePath(subKey, &parts);
+    if (parsed != kOk) return parsed;
+    return WriteAll(*t.store, false, [&](Store& s) -> long {
+      sqlite3_int64 id = 0;
+      long rc = Walk(s, t.id, parts, false, &id);
+      // A root cannot go, nor a key that still has subkeys.
+      if (rc == kOk && id == 0) rc = kAccessDenied;
+      if (rc == kOk) {
+        Query q(s.statement(kHasChildren));
+        q.bind(1, id);
+        const int step = q.step();
+        rc = step == SQLITE_ROW ? kAccessDenied : step == SQLITE_DONE ? kOk : s.fail(step);
+      }
+      for (Statement st : {kDeleteValues, kDeleteKeyRow}) {
+        if (rc != kOk) break;
+        Query q(s.statement(st));
+        q.bind(1, id);
+        const int step = q.step();
+        if (step != SQLITE_DONE) rc = s.fail(step);
+      }
+      return rc;
+    });
   });
 }
 
 long QueryInfo(HKEY key, DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* values, DWORD* maxValueNameLength) {
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     if (!(t.access & kKeyQueryValue)) return kAccessDenied;
     DWORD counts[2] = {0, 0}, longest[2] = {0, 0};
-    rc = t.store->open(false);
+    long rc = t.store->open(false);
     if (rc == kOk) t.store->joinRead(Global().readDepth);
     if (rc == kOk) rc = KeyExists(*t.store, t.id);
     if (rc == kOk) {
@@ -500,13 +488,9 @@ long QueryInfo(HKEY key, DWORD* subKeys, DWORD* maxSubKeyLength, DWORD* values, 
 
 long EnumKey(HKEY key, DWORD index, std::wstring* name) {
   if (!name) return kInvalidParameter;
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     if (!(t.access & kKeyEnumerateSubKeys)) return kAccessDenied;
-    rc = t.store->open(false);
+    long rc = t.store->open(false);
     if (rc == kOk) t.store->joinRead(Global().readDepth);
     if (rc == kFileNotFound && t.id == 0) return kNoMoreItems;
     if (rc != kOk) return rc;
@@ -522,13 +506,9 @@ long EnumKey(HKEY key, DWORD index, std::wstring* name) {
 
 long EnumValue(HKEY key, DWORD index, std::wstring* name, DWORD* type, std::vector<BYTE>* data) {
   if (!name) return kInvalidParameter;
-  return qt::NoThrowWith<long>(__func__, StoreFailure, [&]() -> long {
-    std::lock_guard<std::mutex> lock(Global().mutex);
-    Target t;
-    long rc = Resolve(key, &t);
-    if (rc != kOk) return rc;
+  return OnKey(__func__, key, [&](Target& t) -> long {
     if (!(t.access & kKeyQueryValue)) return kAccessDenied;
-    rc = t.store->open(false);
+    long rc = t.store->open(false);
     if (rc == kOk) t.store->joinRead(Global().readDepth);
     if (rc == kFileNotFound && t.id == 0) return kNoMoreItems;
     if (rc != kOk) return rc;
