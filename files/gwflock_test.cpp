@@ -7,7 +7,9 @@
 
 #include "failure_points.h"
 #include "files/files_test_support.h"
+#include "files/lock_content.h"
 #include "gwflock.h"
+#include "qn_utf.h"
 #include "qt_test.h"
 
 namespace fs = std::filesystem;
@@ -208,6 +210,21 @@ TEST(PlainLock, HolderWithoutNameOrWithAFullLengthName) {
   // Only 196 bytes are read back: the name loses its last two characters.
   EXPECT_EQ(-2, gwflock_lockw(nullptr, &r.rec, qt_test::Widen(full).c_str(), L"me", by, 0));
   EXPECT_EQ(std::wstring(98, L'n'), std::wstring(by));
+}
+
+TEST(PlainLock, NameCutInsideAPairByTheReaderStillNamesTheHolder) {
+  // 1 + 49 characters beyond the first plane fill 99 units; a reader takes
+  // 98 of them, which ends between the halves of the last pair.
+  const std::wstring face = qn_utf16le_to_wide("\x3D\xD8\x00\xDE", 4);
+  std::wstring name = L"a";
+  for (int i = 0; i < 49; ++i) name += face;
+  const std::string content = qt::lock_file::LockContent(name.c_str());
+  std::wstring back;
+  ASSERT_TRUE(qt::lock_file::HolderName(content.data(), qt::lock_file::kHolderReadBytes, &back));
+  EXPECT_EQ(name.substr(0, name.size() - face.size()), back);
+  // A short read that ends inside a pair is not a cut: those bytes are
+  // nobody's name.
+  EXPECT_FALSE(qt::lock_file::HolderName(content.data(), 8, &back));
 }
 
 TEST(PlainLock, KilledHolderIsTakenOverAtOnce) {

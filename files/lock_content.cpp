@@ -35,7 +35,14 @@ bool HolderName(const void* bytes, size_t size, std::wstring* name) {
     if (u == '*' || u == 0) break;
     if (u < 0x20 || (u >= 0x7F && u <= 0x9F)) return false;
     if (IsHigh(u)) {
-      if (end + 2 >= size || !IsLow(UnitAt(b, end + 2))) return false;
+      if (end + 2 >= size) {
+        // A full read that ends inside a pair was cut by the reader, not
+        // written so: the name is what came before the pair.
+        if (size < kHolderReadBytes) return false;
+        *name = qn_utf16le_to_wide(b, end);
+        return true;
+      }
+      if (!IsLow(UnitAt(b, end + 2))) return false;
       end += 2;
     } else if (IsLow(u)) {
       return false;
