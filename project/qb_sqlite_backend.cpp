@@ -46,6 +46,14 @@ const struct {
                {"qb_recs", "id, set_no, owner, data", "id"},
                {"qb_ahm", "id, data", "id"}};
 
+// Whether a walk's next row lies beyond where it started, in the byte
+// order the ids' index keeps.
+bool InWalkOrder(std::string_view from, std::string_view id, bool forward, bool inclusive) {
+  const int order = id.compare(from);
+  if (order == 0) return inclusive;
+  return forward ? order > 0 : order < 0;
+}
+
 short Map(int rc) {
   switch (rc & 0xFF) {
     case SQLITE_OK:
@@ -390,6 +398,13 @@ class SqliteBackend final : public Backend {
     // Ids are text without zeros: their length needs no second call.
     const char* idText = reinterpret_cast<const char*>(sqlite3_column_text(c.st, 0));
     const std::string_view id(idText ? idText : "", idText ? std::strlen(idText) : 0);
+    if (from && !InWalkOrder(*from, id, forward, inclusive)) {
+      // A damaged index can hand back a row behind the walk, which would
+      // send a caller's loop round for ever.
+      sqlite3_reset(c.st);
+      c.live = false;
+      return QBERR_CORRUPT;
+    }
     c.SetId(id);
     row->id = id;
     row->setNo = sqlite3_column_int(c.st, 1);
