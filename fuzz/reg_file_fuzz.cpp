@@ -2,6 +2,7 @@
 // file the parser accepts must survive being written back: the written
 // form parses to the same keys and values, and writing that again gives
 // the same bytes.
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -22,6 +23,15 @@ std::string Describe(const qt_regfile::Key& k) {
          (k.remove ? " (removed)" : "");
 }
 
+// A text written as a quoted string comes back with its terminator, as
+// with the registry editor, even where the data had none.
+bool SameData(const qt_regfile::Value& v, const qt_regfile::Value& w) {
+  if (v.data == w.data) return true;
+  if (v.type != 1 || w.data.size() != v.data.size() + 2 || v.data.size() % 2 != 0) return false;
+  return std::equal(v.data.begin(), v.data.end(), w.data.begin()) && w.data[v.data.size()] == 0 &&
+         w.data[v.data.size() + 1] == 0;
+}
+
 void CheckSame(const qt_regfile::Document& a, const qt_regfile::Document& b) {
   QT_FUZZ_CHECK(a.keys.size() == b.keys.size(),
                 std::to_string(a.keys.size()) + " keys read, " + std::to_string(b.keys.size()) + " after writing");
@@ -34,7 +44,7 @@ void CheckSame(const qt_regfile::Document& a, const qt_regfile::Document& b) {
     for (size_t j = 0; j < x.values.size(); ++j) {
       const qt_regfile::Value& v = x.values[j];
       const qt_regfile::Value& w = y.values[j];
-      const bool same = v.name == w.name && v.remove == w.remove && (v.remove || (v.type == w.type && v.data == w.data));
+      const bool same = v.name == w.name && v.remove == w.remove && (v.remove || (v.type == w.type && SameData(v, w)));
       QT_FUZZ_CHECK(same, "in " + Describe(x) + ": " + Describe(v) + " comes back as " + Describe(w));
     }
   }
