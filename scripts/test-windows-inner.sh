@@ -3,7 +3,10 @@
 #   usage: test-windows-inner.sh BUILD_DIR JOBS RUN_TMP ROOT
 set -uo pipefail
 dir=$1 jobs=$2 run_tmp=$3
-cd "$dir" && ctest --output-on-failure -j "$jobs" --timeout 600 > "$run_tmp/ctest-windows.log" 2>&1
+# One rerun of a failed test: one registry test has failed once in four
+# full runs under a loaded Wine and never alone; a test that fails twice
+# still fails the lane, and the log keeps the first failure.
+cd "$dir" && ctest --output-on-failure -j "$jobs" --timeout 600 --repeat until-pass:2 > "$run_tmp/ctest-windows.log" 2>&1
 rc=$?
 grep -E '\*\*\*|tests passed|tests failed|^\s+[0-9]+ - ' "$run_tmp/ctest-windows.log" || true
 exit $rc
