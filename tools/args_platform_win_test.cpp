@@ -6,25 +6,12 @@
 
 #include "args_platform.h"
 #include "testsupport/qt_test.h"
-
-namespace {
-
-std::string Hex(const std::string& bytes) {
-  static const char digits[] = "0123456789abcdef";
-  std::string out;
-  for (unsigned char c : bytes) {
-    out += digits[c >> 4];
-    out += digits[c & 15];
-  }
-  return out;
-}
-
-}  // namespace
+#include "tool_test_support.h"
 
 // Prints every argument after the child's name, as hex of its UTF-8.
 QT_TEST_CHILD(print_arguments) {
   const std::vector<std::string> all = qt::args::platform::Arguments(0, nullptr);
-  for (size_t i = 1; i < all.size(); ++i) std::printf("%s\n", Hex(all[i]).c_str());
+  for (size_t i = 1; i < all.size(); ++i) std::printf("%s\n", qt_tool_test::Hex(all[i]).c_str());
   std::fflush(stdout);
   return 0;
 }
@@ -34,6 +21,6 @@ TEST(ArgsPlatformWin, ArgumentsOutsideTheCodePageArriveAsUtf8) {
                                          "\xf0\x9f\x98\x80", "plain"};
   qt_test::ChildProcess child;
   ASSERT_TRUE(child.start("print_arguments", sent));
-  for (const std::string& s : sent) EXPECT_EQ(Hex(s), child.readLine(60000));
+  for (const std::string& s : sent) EXPECT_EQ(qt_tool_test::Hex(s), child.readLine(60000));
   EXPECT_EQ(0, child.wait());
 }

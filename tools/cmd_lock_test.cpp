@@ -15,7 +15,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using qt_tool_test::Hex;
 using qt_tool_test::Result;
+using qt_tool_test::Unhex;
 
 Result Lock(const std::vector<std::string>& args) { return qt_tool_test::RunTool("lock", args); }
 
@@ -104,24 +106,6 @@ TEST(LockCommand, BadUseMissingFilesAndUnreadableLocks) {
   EXPECT_TRUE(Contains(status.err, "cannot be read")) << status.err;
   EXPECT_EQ(1, Lock({"release-stale", file}).code);
   EXPECT_TRUE(fs::is_directory(fs::u8path(dir.file("plant.lrd"))));
-}
-
-// Test children get their arguments through the C runtime's 8-bit argv,
-// which on Windows is the ANSI code page; hex carries any UTF-8 through.
-std::string Hex(const std::string& bytes) {
-  static const char digits[] = "0123456789abcdef";
-  std::string out;
-  for (unsigned char c : bytes) {
-    out += digits[c >> 4];
-    out += digits[c & 15];
-  }
-  return out;
-}
-
-std::string Unhex(const std::string& hex) {
-  std::string out;
-  for (size_t i = 0; i + 1 < hex.size(); i += 2) out += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-  return out;
 }
 
 // lock_take with hex-encoded arguments.

@@ -38,6 +38,24 @@ inline Result RunTool(const std::string& command, const std::vector<std::string>
   return r;
 }
 
+// Test children get their arguments through the C runtime's 8-bit argv,
+// which on Windows is the ANSI code page; hex carries any UTF-8 through.
+inline std::string Hex(const std::string& bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string out;
+  for (unsigned char c : bytes) {
+    out += digits[c >> 4];
+    out += digits[c & 15];
+  }
+  return out;
+}
+
+inline std::string Unhex(const std::string& hex) {
+  std::string out;
+  for (size_t i = 0; i + 1 < hex.size(); i += 2) out += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+  return out;
+}
+
 }  // namespace qt_tool_test
 
 #endif
