@@ -73,6 +73,21 @@ Outcome OutcomeFromOsError(int error, Step step) {
 
 namespace {
 
+// Takes the lock byte of an opened lock file, which must be a plain file.
+// On failure the file is closed and the outcome says why.
+Outcome LockOpened(int fd, short type, struct stat* opened) {
+  if (fstat(fd, opened) != 0 || !S_ISREG(opened->st_mode)) {
+    close(fd);
+    return Outcome::Failed;
+  }
+  struct flock lk = LockByte(type);
+  if (fcntl(fd, F_OFD_SETLK, &lk) != 0) {
+    CloseKeepingErrno(fd);
+    return OutcomeFromOsError(errno, Step::Lock);
+  }
+  return Outcome::Ok;
+}
+
 // A lock file left by another account's ended process is often not ours to
 // write (umask 022), though the folder is. While a read lock on the lock
 // byte keeps any taker out, a file that nobody holds is removed, so that the
@@ -82,15 +97,8 @@ Outcome ReclaimUnwritable(const std::string& path) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (fd < 0) return Outcome::Failed;
   struct stat opened, named;
-  if (fstat(fd, &opened) != 0 || !S_ISREG(opened.st_mode)) {
-    close(fd);
-    return Outcome::Failed;
-  }
-  struct flock lk = LockByte(F_RDLCK);
-  if (fcntl(fd, F_OFD_SETLK, &lk) != 0) {
-    CloseKeepingErrno(fd);
-    return OutcomeFromOsError(errno, Step::Lock);
-  }
+  const Outcome locked = LockOpened(fd, F_RDLCK, &opened);
+  if (locked != Outcome::Ok) return locked;
   Outcome result = Outcome::Missing;
   if (stat(path.c_str(), &named) == 0 && SameFile(opened, named) && unlink(path.c_str()) != 0) {
     result = Outcome::Failed;  // a sticky folder, say: the file stays its owner's
@@ -113,15 +121,8 @@ Outcome Acquire(const std::wstring& name, bool create, HANDLE* handle) {
   }
 
   struct stat opened;
-  if (fstat(fd, &opened) != 0 || !S_ISREG(opened.st_mode)) {
-    close(fd);
-    return Outcome::Failed;
-  }
-  struct flock lk = LockByte(F_WRLCK);
-  if (fcntl(fd, F_OFD_SETLK, &lk) != 0) {
-    CloseKeepingErrno(fd);
-    return OutcomeFromOsError(errno, Step::Lock);
-  }
+  const Outcome locked = LockOpened(fd, F_WRLCK, &opened);
+  if (locked != Outcome::Ok) return locked;
   // A releasing holder unlinks its file before closing it: the file we
   // locked may no longer carry the name. Then the lock means nothing, and
   // the name is free again (or somebody else's by now).
