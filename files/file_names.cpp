@@ -104,3 +104,18 @@ bool FileNamesAreSame(const wchar_t* a, const wchar_t* b) {
   return qt::NoThrow<bool>("FileNamesAreSame", false,
                            [&] { return SameIgnoringCase(Normalized(a).c_str(), Normalized(b).c_str()); });
 }
+
+int gwfileextension(const wchar_t* path, wchar_t* extension, int extensionLen) {
+  if (!path || !extension || extensionLen < 1) return -1;
+  const wchar_t* const name = LastPart(path);
+  const wchar_t* dot = nullptr;
+  for (const wchar_t* p = name; *p; ++p) {
+    if (*p == L'.') dot = p;
+  }
+  int n = 0;
+  if (dot) {
+    for (const wchar_t* p = dot + 1; *p && n < extensionLen - 1; ++p) extension[n++] = *p;
+  }
+  extension[n] = 0;
+  return 0;
+}

@@ -16,12 +16,4 @@ void qt_lng_reset();
 // The reader of an application-table row (0..13), or null.
 const CQlg* qt_lng_reader(int row);
 
-// Resolves a user-defined variable's name (negative text ids of the main
-// module). Returns true and sets replacement when the main module knows
-// the variable.
-typedef bool (*QtLngUserVariableResolver)(int textId, const wchar_t* currentText, ustr* replacement);
-// Installs the resolver (null: none, as when the main module is not
-// loaded) and returns the previous one.
-QtLngUserVariableResolver qt_lng_set_user_variable_resolver(QtLngUserVariableResolver resolver);
-
 #endif

@@ -2,6 +2,7 @@
 #include <cwchar>
 #include <new>
 
+#include "InterApp.h"
 #include "Lng.h"
 #include "Registry.h"
 #include "core/boundary.h"
@@ -16,7 +17,6 @@ struct LanguageState {
   bool initDone = false;
   ustr folderOverride;
   CQlg readers[qt::kAppRows];
-  QtLngUserVariableResolver userVariables = nullptr;
 };
 
 LanguageState& State() {
@@ -52,9 +52,11 @@ ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
     result = defaultText;
   }
 
-  if (textId < 0 && id == Lng::APP_HPV && State().userVariables) {
+  // Negative ids of the main module name user-defined variables, whose
+  // names only the main module's utility library knows.
+  if (textId < 0 && id == Lng::APP_HPV) {
     ustr replacement;
-    if (State().userVariables(textId, result.c_str(), &replacement)) result = replacement;
+    if (InterApp::HPV::Qlg_textUserVarDef_(99, textId, result.c_str(), replacement)) result = replacement;
   }
 
   if (ShowStringIds()) {
@@ -107,9 +109,3 @@ void qt_lng_reset() {
 }
 
 const CQlg* qt_lng_reader(int row) { return row >= 0 && row < qt::kAppRows ? &State().readers[row] : nullptr; }
-
-QtLngUserVariableResolver qt_lng_set_user_variable_resolver(QtLngUserVariableResolver resolver) {
-  QtLngUserVariableResolver previous = State().userVariables;
-  State().userVariables = resolver;
-  return previous;
-}

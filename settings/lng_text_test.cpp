@@ -102,32 +102,12 @@ TEST(LngText, ShowStringIdsDecoratesEveryText) {
   EXPECT_EQ(Lng::text(Lng::APP_HPV, -3, nullptr), L"-3>");
 }
 
-std::wstring g_askedText;
-int g_askedId = 0;
-bool ResolveVariable(int textId, const wchar_t* currentText, ustr* replacement) {
-  g_askedId = textId;
-  g_askedText = currentText;
-  *replacement = L"Airflow";
-  return textId == -7;
-}
-
-TEST(LngText, UserVariablesOnlyForNegativeIdsOfTheMainModule) {
+TEST(LngText, UserVariablesStayAsReadWithoutTheMainModule) {
   lng_test::LanguageFolder folder;
   ASSERT_TRUE(folder.write("QuilQlg.qlg", kMainTexts));
   Lng::init(1513);
-  // Without the main module nothing replaces the text.
   EXPECT_EQ(Lng::text(Lng::APP_HPV, -7, L"Var"), L"Variable");
-
-  const QtLngUserVariableResolver previous = qt_lng_set_user_variable_resolver(ResolveVariable);
-  g_askedId = 0;
-  EXPECT_EQ(Lng::text(Lng::APP_HPV, -7, L"Var"), L"Airflow");
-  EXPECT_EQ(g_askedText, L"Variable");
-  EXPECT_EQ(Lng::text(Lng::APP_HPV, -8, L"Other"), L"Other");  // resolver declined
-  g_askedId = 0;
-  EXPECT_EQ(Lng::text(Lng::APP_HPV, 100, L"Name"), L"Bezeichnung");
-  EXPECT_EQ(Lng::text(static_cast<Lng::AppID>(55), -7, L"Var"), L"Variable");
-  EXPECT_EQ(g_askedId, 0);
-  qt_lng_set_user_variable_resolver(previous);
+  EXPECT_EQ(Lng::text(Lng::APP_HPV, -8, L"Other"), L"Other");
 }
 
 // The files shipped beside the library, switched through the suite-wide
