@@ -25,6 +25,7 @@ struct State {
   int calls = 0;
   std::map<std::string, long long> answers;
   std::map<std::string, std::wstring> texts;
+  bool quiet = false;  // answer without recording, for timing the bridge itself
 };
 
 State& Module() {
@@ -57,6 +58,13 @@ struct Handler<R (*)(P...)> {
 
   R operator()(P... arguments) const {
     State& state = Module();
+    if (state.quiet) {
+      if constexpr (std::is_void<R>::value) {
+        return;
+      } else {
+        return sibling::DefaultAnswer<R>(name);
+      }
+    }
     state.lastCall = sibling::Describe<P...>(name, arguments...);
     ++state.calls;
     const std::wstring* text = TextFor(name);
@@ -93,6 +101,7 @@ QT_SIBLING_EXPORT void SiblingSetText(const char* exportName, const wchar_t* tex
   Module().texts[exportName] = text;
 }
 QT_SIBLING_EXPORT void SiblingReset() { Module() = State(); }
+QT_SIBLING_EXPORT void SiblingQuiet(int quiet) { Module().quiet = quiet != 0; }
 
 #if !defined(QT_SIBLING_BARE)
 
