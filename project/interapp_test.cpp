@@ -45,20 +45,31 @@ int CountingCalls::lookups = 0;
 int CountingCalls::exportLookups = 0;
 bool CountingCalls::hideModules = false;
 
+bool IsLoaded(bridge::ModuleId module) {
+  const bridge::ModuleFile& file = bridge::ModuleFileOf(module);
+  return platform::SystemCalls().loadedModule(file.fileName, file.wideName) != nullptr;
+}
+
 TEST(InterAppModules, InitNeitherLoadsNorKeepsModules) {
   Siblings siblings;
+  bool wasLoaded[bridge::kModuleCount];
+  for (int m = 0; m < bridge::kModuleCount; ++m) wasLoaded[m] = IsLoaded(static_cast<bridge::ModuleId>(m));
   InterApp::init();
   for (int m = 0; m < bridge::kModuleCount; ++m) {
-    EXPECT_EQ(bridge::ModuleHandle(static_cast<bridge::ModuleId>(m)), nullptr) << m;
+    EXPECT_EQ(IsLoaded(static_cast<bridge::ModuleId>(m)), wasLoaded[m]) << m;
   }
+
+  siblings.Load(bridge::QnHpv);
+  siblings.Release(bridge::QnHpv);
+  if (IsLoaded(bridge::QnHpv)) GTEST_SKIP() << "this build never unloads a released module";
+
   siblings.Load(bridge::QnHpv);
   InterApp::init();
+  InterApp::init();
   EXPECT_NE(bridge::ModuleHandle(bridge::QnHpv), nullptr);
-  // With its owner's reference given back, the module is gone: init took none.
+  // With its owner's one reference given back, the module is gone: init took none.
   siblings.Release(bridge::QnHpv);
-  const bridge::ModuleFile& file = bridge::ModuleFileOf(bridge::QnHpv);
-  EXPECT_EQ(platform::SystemCalls().loadedModule(file.fileName, file.wideName), nullptr);
-  Siblings::Forget();
+  EXPECT_FALSE(IsLoaded(bridge::QnHpv));
 }
 
 TEST(InterAppModules, EightBitAndWideRowsAreBothFound) {
@@ -68,7 +79,6 @@ TEST(InterAppModules, EightBitAndWideRowsAreBothFound) {
   InterApp::init();
   EXPECT_NE(bridge::ModuleHandle(bridge::QuilUtil), nullptr);
   EXPECT_NE(bridge::ModuleHandle(bridge::QuilQRP), nullptr);
-  EXPECT_EQ(bridge::ModuleHandle(bridge::QnHpv), nullptr);
 }
 
 TEST(InterAppCaches, MissingExportIsLookedUpAgainOnEveryCallAndFoundOnceThere) {
