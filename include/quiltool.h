@@ -23,5 +23,7 @@
 #include "FileLocker.h"
 #include "qb.h"
 #include "QBaseDb.h"
+#include "InterAppRecords.h"
+#include "InterApp.h"
 
 #endif
