@@ -153,12 +153,20 @@ Status AsDouble(const QnVariant& v, double* out) {
   }
 }
 
+// Half away from zero. Some runtimes' round() adds 0.5 first, which turns
+// 0.49999999999999994 into 1; the fraction taken off here is exact.
+double RoundHalfAway(double d) {
+  const double whole = std::trunc(d);
+  if (std::fabs(d - whole) >= 0.5) return whole + (d < 0 ? -1.0 : 1.0);
+  return whole;
+}
+
 template <class I>
 I ToInteger(const QnVariant& v, bool* ok) {
   double d = 0;
   const Status status = AsDouble(v, &d);
   if (status == kNotNumber || std::isnan(d)) return 0;
-  const double rounded = std::round(d);  // half away from zero
+  const double rounded = RoundHalfAway(d);
   const I low = std::numeric_limits<I>::min(), high = std::numeric_limits<I>::max();
   if (rounded < static_cast<double>(low)) return low;
   if (rounded > static_cast<double>(high)) return high;
