@@ -13,7 +13,8 @@
 // rounded to the target's precision) and to false otherwise:
 //  - Empty gives 0, false or "" with ok false.
 //  - A number outside the target's range saturates to the nearest bound
-//    with ok false; NaN gives 0 (false for toBool) with ok false.
+//    with ok false. NaN gives 0 (false for toBool) with ok false; toFloat
+//    and toDouble keep NaN and the infinities, with ok true.
 //  - A floating value rounds to an integer half away from zero
 //    (2.5 -> 3, -2.5 -> -3); rounding alone leaves ok true.
 //  - Text is read as a number strictly and whatever the process locale:
