@@ -16,6 +16,7 @@
 #include "CountryData.h"
 #include "qn_window_presenter.h"
 #include "QnColor.h"
+#include "QnVariant.h"
 #include "gm_model.h"
 #include "Logging.h"
 #include "gwflock.h"
