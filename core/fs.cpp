@@ -7,18 +7,6 @@
 namespace qt {
 namespace fs {
 
-namespace platform {
-
-Calls& CurrentCalls() {
-  static Calls calls = SystemCalls();
-  return calls;
-}
-
-CallsOverride::CallsOverride() : saved_(CurrentCalls()) {}
-CallsOverride::~CallsOverride() { CurrentCalls() = saved_; }
-
-}  // namespace platform
-
 namespace {
 
 using platform::CurrentCalls;

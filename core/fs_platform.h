@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 
+#include "core/call_table.h"
 #include "core/fs.h"
 
 namespace qt {
@@ -45,22 +46,9 @@ struct Calls {
 
 // The system's own steps.
 const Calls& SystemCalls();
-// The table in use.
-Calls& CurrentCalls();
-
-// For tests: changes made through calls() last as long as the object.
-class CallsOverride {
- public:
-  CallsOverride();
-  ~CallsOverride();
-  CallsOverride(const CallsOverride&) = delete;
-  CallsOverride& operator=(const CallsOverride&) = delete;
-  Calls* operator->() { return &CurrentCalls(); }
-  Calls* get() { return &CurrentCalls(); }
-
- private:
-  Calls saved_;
-};
+// The table in use, and the override tests change it through.
+inline Calls& CurrentCalls() { return CallTable<Calls, &SystemCalls>::Current(); }
+typedef CallTable<Calls, &SystemCalls>::Override CallsOverride;
 
 }  // namespace platform
 }  // namespace fs

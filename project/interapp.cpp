@@ -5,20 +5,6 @@
 #include "project/interapp_platform.h"
 
 namespace qt {
-namespace interapp {
-namespace platform {
-
-Calls& CurrentCalls() {
-  static Calls calls = SystemCalls();
-  return calls;
-}
-
-CallsOverride::CallsOverride() : saved_(CurrentCalls()) {}
-CallsOverride::~CallsOverride() { CurrentCalls() = saved_; }
-
-}  // namespace platform
-}  // namespace interapp
-
 namespace bridge {
 namespace {
 

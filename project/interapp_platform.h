@@ -4,6 +4,8 @@
 #ifndef QUILTOOL_PROJECT_INTERAPP_PLATFORM_H
 #define QUILTOOL_PROJECT_INTERAPP_PLATFORM_H
 
+#include "core/call_table.h"
+
 namespace qt {
 namespace interapp {
 namespace platform {
@@ -29,21 +31,9 @@ struct Calls {
 
 // The system's own steps.
 const Calls& SystemCalls();
-// The table in use.
-Calls& CurrentCalls();
-
-// For tests: changes made through the object last as long as it does.
-class CallsOverride {
- public:
-  CallsOverride();
-  ~CallsOverride();
-  CallsOverride(const CallsOverride&) = delete;
-  CallsOverride& operator=(const CallsOverride&) = delete;
-  Calls* operator->() { return &CurrentCalls(); }
-
- private:
-  Calls saved_;
-};
+// The table in use, and the override tests change it through.
+inline Calls& CurrentCalls() { return CallTable<Calls, &SystemCalls>::Current(); }
+typedef CallTable<Calls, &SystemCalls>::Override CallsOverride;
 
 }  // namespace platform
 }  // namespace interapp
