@@ -77,11 +77,11 @@ TEST(ModulesCommand, TheFixtureExportsExactlyItsVisibleDefinitions) {
   std::string problem;
   ASSERT_TRUE(qt::module_exports::platform::ReadExportNames(FixturePath(), names, problem)) << problem;
   const std::set<std::string> read(names.begin(), names.end());
-  // Hidden, undefined and toolchain symbols aside, the fixture's own names.
-  std::set<std::string> ours;
-  for (const std::string& n : read)
-    if (Contains(n, "QNC") || Contains(n, "QRP") || Contains(n, "ixture") || n == "CallsAnImport") ours.insert(n);
-  EXPECT_EQ(FixtureExports(), ours);
+  for (const std::string& name : FixtureExports()) EXPECT_EQ(1u, read.count(name)) << name;
+  // The Linux fixture also holds a hidden definition and an undefined
+  // reference, neither of which is an export.
+  EXPECT_EQ(0u, read.count("GetAcadNameQNC"));
+  EXPECT_EQ(0u, read.count("SaveDatabaseQNC"));
 }
 
 TEST(ModulesCommand, PresentModulesListWhatTheyLackInTableOrder) {
