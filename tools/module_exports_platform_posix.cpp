@@ -1,9 +1,11 @@
 #include <fcntl.h>
 #include <gelf.h>
 #include <libelf.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 
 #include "module_exports_platform.h"
@@ -31,9 +33,12 @@ std::string ElfProblem(const char* what) {
   return std::string(what) + (detail ? std::string(" (") + detail + ")" : std::string());
 }
 
-bool ReadDynamicSymbols(Elf* elf, std::vector<std::string>& names, std::string& problem) {
+bool ReadDynamicSymbols(Elf* elf, uint64_t fileSize, std::vector<std::string>& names, std::string& problem) {
   if (elf_kind(elf) != ELF_K_ELF) {
-    problem = "not an ELF shared object (not an ELF file)";
+    size_t size = 0;
+    const char* raw = elf_rawfile(elf, &size);
+    const bool windows = raw && size >= 2 && raw[0] == 'M' && raw[1] == 'Z';
+    problem = windows ? "not an ELF shared object (a Windows module)" : "not an ELF shared object (not an ELF file)";
     return false;
   }
   GElf_Ehdr header;
@@ -52,6 +57,16 @@ bool ReadDynamicSymbols(Elf* elf, std::vector<std::string>& names, std::string& 
   size_t sections = 0;
   if (elf_getshdrnum(elf, &sections) != 0) {
     problem = ElfProblem("the section table cannot be read");
+    return false;
+  }
+  // libelf shows a section table that lies past the end as no sections at
+  // all, which would pass a cut-off file for a module exporting nothing.
+  if (header.e_shoff == 0 || sections == 0) {
+    problem = "an ELF file without a section table, whose exports cannot be read";
+    return false;
+  }
+  if (header.e_shoff > fileSize || static_cast<uint64_t>(sections) * header.e_shentsize > fileSize - header.e_shoff) {
+    problem = "the file is cut off: its section table lies past the end";
     return false;
   }
   for (Elf_Scn* section = elf_nextscn(elf, nullptr); section; section = elf_nextscn(elf, section)) {
@@ -102,12 +117,18 @@ bool ReadExportNames(const std::string& utf8Path, std::vector<std::string>& name
   }
   // Read into memory rather than mapped: a file cut short while it is read
   // then gives an error, not a bus error.
+  struct stat status;
+  if (fstat(fd, &status) != 0) {
+    problem = std::string("cannot read the file: ") + std::strerror(errno);
+    close(fd);
+    return false;
+  }
   Elf* elf = elf_begin(fd, ELF_C_READ, nullptr);
   bool ok = false;
   if (!elf) {
     problem = ElfProblem("the file cannot be read as ELF");
   } else {
-    ok = ReadDynamicSymbols(elf, names, problem);
+    ok = ReadDynamicSymbols(elf, static_cast<uint64_t>(status.st_size), names, problem);
     elf_end(elf);
   }
   close(fd);

@@ -87,6 +87,10 @@ std::string Hex4(unsigned value) {
 // Checks the headers up to the export directory's place; false with a
 // reason when the bytes are not an x64 DLL image.
 bool ReadHeaders(Image& image, uint32_t* exportRva, std::string& problem) {
+  if (image.Has(0, 4) && image.U32(0) == 0x464C457F) {
+    problem = "not a Windows module (an ELF file, as Linux uses)";
+    return false;
+  }
   if (!image.Has(0, 2) || image.U16(0) != 0x5A4D) {
     problem = "not a Windows module (no MZ header)";
     return false;

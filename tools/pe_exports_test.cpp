@@ -134,7 +134,7 @@ TEST(PeExports, OffsetsAndCountsPointingAwayAreRefused) {
 }
 
 TEST(PeExports, FilesThatAreNotX64ModulesAreNamedForWhatTheyAre) {
-  ExpectRefused(std::vector<unsigned char>{'\x7f', 'E', 'L', 'F', 2, 1, 1, 0}, "not a Windows module");
+  ExpectRefused(std::vector<unsigned char>{'\x7f', 'E', 'L', 'F', 2, 1, 1, 0}, "not a Windows module (an ELF file");
   ExpectRefused(std::vector<unsigned char>(100, 'z'), "not a Windows module");
 
   Dll d = BuildDll(kNames);
