@@ -85,14 +85,17 @@ TEST(ModulesCommand, TheFixtureExportsExactlyItsVisibleDefinitions) {
 }
 
 TEST(ModulesCommand, PresentModulesListWhatTheyLackInTableOrder) {
-  qt_test::TempDir dir;
+  // A folder name outside any code page: Windows must open wide names.
+  qt_test::TempDir top;
+  const std::string folder = top.file("m\xc3\xb6" "dule \xe6\x97\xa5");
+  ASSERT_TRUE(fs::create_directory(fs::u8path(folder)));
   const std::vector<int> present = {qt::bridge::Qne, qt::bridge::QNCommon, qt::bridge::QNCommonUi,
                                     qt::bridge::QuilQRP};
-  for (int m : present) PutFixture(dir, m);
-  std::ofstream(fs::u8path(dir.file("unrelated.dll")), std::ios::binary) << "not looked at";
+  for (int m : present) fs::copy_file(fs::u8path(FixturePath()), fs::u8path(folder) / fs::u8path(FileName(m)));
+  std::ofstream(fs::u8path(folder) / "unrelated.dll", std::ios::binary) << "not looked at";
 
   int missing = 0;
-  std::string expected = "folder: " + dir.path() + "\n";
+  std::string expected = "folder: " + folder + "\n";
   for (int m = 0; m < qt::bridge::kModuleCount; ++m) {
     const bool there = std::find(present.begin(), present.end(), m) != present.end();
     expected += there ? FixtureBlock(m, &missing) : FileName(m) + ": absent\n";
@@ -100,7 +103,7 @@ TEST(ModulesCommand, PresentModulesListWhatTheyLackInTableOrder) {
   expected += "summary: 4 of 16 present, " + std::to_string(missing) + " missing exports, 0 unreadable\n";
   expected += "note: an absent module is not installed here, which is fine\n";
 
-  const Result r = Modules({dir.path()});
+  const Result r = Modules({folder});
   EXPECT_EQ(expected, r.out);
   EXPECT_EQ("", r.err);
   EXPECT_EQ(missing > 0 ? 1 : 0, r.code);
