@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cmd_lng_doc.h"
@@ -13,6 +14,7 @@
 #include "cmd_reg_file.h"
 #include "files/lock_content.h"
 #include "fuzz_support.h"
+#include "pe_test_image.h"
 #include "project/qb_stream.h"
 #include "qb.h"
 #include "qn_utf.h"
@@ -212,6 +214,15 @@ void FormatSeeds() {
   Seed("format", "other-width", other);
 }
 
+// A module image as a linker lays it out, with and without exports.
+void ModuleSeeds() {
+  for (const auto& seed : {std::make_pair("exports", std::vector<std::string>{"GetAcadVersionQNC", "IsMyCommandQNE", "x"}),
+                           std::make_pair("no-exports", std::vector<std::string>{})}) {
+    const std::vector<unsigned char> bytes = qt_tool_test::BuildDll(seed.second).bytes;
+    Seed("pe_exports", seed.first, std::string(bytes.begin(), bytes.end()));
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -226,5 +237,6 @@ int main(int argc, char** argv) {
   LockSeeds();
   MemoSeeds();
   FormatSeeds();
+  ModuleSeeds();
   return g_failures == 0 ? 0 : 1;
 }
