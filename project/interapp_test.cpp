@@ -1,6 +1,7 @@
 // The bridge functions with their own rules, the dispatchers, the module
 // table and user-variable texts, against the stand-in sibling modules.
 #include <cwchar>
+#include <type_traits>
 #include <vector>
 
 #include "InterApp.h"
@@ -431,5 +432,23 @@ TEST(InterAppSpecial, WorldScaleIsOneWithoutTheElectricalModule) {
   InterApp::init();
   EXPECT_EQ(InterApp::QNE::GetWorldScale(nullptr), 1.0);
 }
+
+}  // namespace
+
+namespace {
+
+// The records cross module boundaries by pointer: their layout must be
+// the plain one every compiler of the suite lays out alike.
+template <class... T>
+constexpr bool AllStandardLayout() {
+  return (std::is_standard_layout<T>::value && ...);
+}
+static_assert(AllStandardLayout<DwgObjectId, ObjPosInDwg, SelectionArea::Object, MsyLink::PropDef_t,
+                                MsyLink::PropLink_t, MsyLink::PartDataMap, MsyLink::PartDataMap::ObjDataExt_t,
+                                ProjectInfo::Options, ProjectInfo::SiteInfo, ProjectInfo::BuildingInfo,
+                                ProjectWizard::Data, RevisionCloudOptions, TextStyles, InterApp::StoreyData_t,
+                                InterApp::HPV::SystemData_t, InterApp::HPV::ElectricalConnectionData,
+                                InterApp::QNE::DeviceIdFormat, InterApp::QNE::LayerData>(),
+              "a record passed through the bridge is not standard-layout");
 
 }  // namespace
