@@ -183,3 +183,24 @@ TEST(ModulesCommand, BadUseAndTheDefaultFolder) {
   EXPECT_EQ(0, own.out.find("folder: " + ProgramFolder() + "\n")) << own.out;
   EXPECT_TRUE(Contains(own.out, "summary: ")) << own.out;
 }
+
+namespace {
+
+// The bridge tests' stand-in modules are built from the bridge's own table:
+// the complete ones must lack nothing, the bare ones everything.
+TEST(ModulesCommand, AgreesWithTheBridgesStandInModules) {
+  const std::string siblings = ProgramFolder() + "/siblings/";
+  const Result full = Modules({siblings + "full"});
+  EXPECT_EQ(full.code, 0) << full.out << full.err;
+  EXPECT_NE(full.out.find("summary: 16 of 16 present, 0 missing exports, 0 unreadable"), std::string::npos)
+      << full.out;
+
+  size_t total = 0;
+  for (int m = 0; m < qt::bridge::kModuleCount; ++m) total += qt::bridge::ExportsIn(m).size();
+  const Result bare = Modules({siblings + "bare"});
+  EXPECT_EQ(bare.code, 1) << bare.err;
+  EXPECT_NE(bare.out.find("16 of 16 present, " + std::to_string(total) + " missing exports"), std::string::npos)
+      << bare.out;
+}
+
+}  // namespace
