@@ -38,6 +38,11 @@ while(qt_siblings)
       ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/siblings/${variant})
     if(WIN32)
       target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
+    elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      # A unique symbol (a static of an inline function, as unoptimised
+      # builds keep them) pins a shared object for good; the tests release
+      # one module and load its other build under the same name.
+      target_compile_options(${target} PRIVATE -fno-gnu-unique)
     endif()
     add_dependencies(quiltool_siblings ${target})
   endforeach()
