@@ -32,3 +32,24 @@ TEST(FileNamesAreSame, ResolvesDotSegmentsAndRepeatedSeparators) {
   EXPECT_FALSE(FileNamesAreSame(L"C:\\a\\x.txt", L"C:\\a\\x.txt.bak"));
   EXPECT_FALSE(FileNamesAreSame(L"C:\\a\\", L"C:\\a")) << "the parts after the last separators differ";
 }
+
+TEST(GwFileExtension, TheLastNamesExtensionWithoutItsDotCutToFit) {
+  wchar_t ext[32];
+  const struct {
+    const wchar_t* path;
+    const wchar_t* extension;
+  } cases[] = {{L"C:\\Prj\\Plant.EPJ", L"EPJ"}, {L"/p/archive.tar.gz", L"gz"}, {L"C:\\a.b\\plant", L""},
+               {L"a.b/plant", L""},             {L"plant.", L""},           {L".profile", L"profile"},
+               {L"epj", L""},                   {L"", L""}};
+  for (const auto& c : cases) {
+    ext[0] = L'x';
+    EXPECT_EQ(gwfileextension(c.path, ext, 32), 0);
+    EXPECT_STREQ(ext, c.extension) << c.path;
+  }
+  wchar_t small[3];
+  EXPECT_EQ(gwfileextension(L"plant.qrdx", small, 3), 0);
+  EXPECT_STREQ(small, L"qr");
+  EXPECT_EQ(gwfileextension(nullptr, ext, 32), -1);
+  EXPECT_EQ(gwfileextension(L"a.b", nullptr, 32), -1);
+  EXPECT_EQ(gwfileextension(L"a.b", ext, 0), -1);
+}
