@@ -25,7 +25,36 @@ struct Range {
 
   bool hasLowerBound() const { return (flags & NoLowerBound) == 0; }
   bool hasUpperBound() const { return (flags & NoUpperBound) == 0; }
+
+  // Whether a value lies within the bounds that are present, both
+  // inclusive. A floating value that is not a number lies within no bound.
+  bool accepts(int value) const {
+    return (!hasLowerBound() || value >= lowerInt) && (!hasUpperBound() || value <= upperInt);
+  }
+  bool accepts(double value) const {
+    return (!hasLowerBound() || value >= lowerDouble) && (!hasUpperBound() || value <= upperDouble);
+  }
 };
+
+// The reasons, besides the range, that an edited value is turned down.
+enum Rejection {
+  InvalidValue = 1,
+  ValueAlreadyUsed = 2,
+  ValueEmpty = 3,
+  InvalidCharacters = 4
+};
+
+// The text shown for a value outside the range: the range's own message,
+// else "Valid value range: <lower> ... <upper>." with each bound only when
+// present. floating picks the floating bounds, written with `decimals`
+// digits after the point (six when negative); the decimal point is always
+// '.', whatever the process locale. Empty on failure.
+QT_API ustr RangeMessage(const Range& range, bool floating, int decimals);
+// The text for a Rejection code, in the loaded language; empty for any
+// other code.
+QT_API ustr RejectionMessage(int code);
+// The title of the note that shows a rejection ("Invalid value!").
+QT_API ustr InvalidValueTitle();
 
 }  // namespace ValueValidator
 

@@ -13,6 +13,10 @@ class CQlg;
 void qt_lng_set_folder(const wchar_t* folder);
 // Back to the state at load: init not run, every reader empty.
 void qt_lng_reset();
+// Lng::text for texts that are part of a longer one: a failure (memory
+// running out) is thrown rather than answered as an empty text, so that
+// the caller can drop the whole rather than show a piece.
+ustr qt_lng_text(Lng::AppID id, int textId, const wchar_t* defaultText);
 // The reader of an application-table row (0..13), or null.
 const CQlg* qt_lng_reader(int row);
 

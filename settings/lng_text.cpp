@@ -97,6 +97,8 @@ ustr Lng::text(AppID id, int textId, const wchar_t* defaultText) {
   return qt::NoThrow<ustr>("Lng::text", ustr(), [&] { return Lookup(id, textId, defaultText); });
 }
 
+ustr qt_lng_text(Lng::AppID id, int textId, const wchar_t* defaultText) { return Lookup(id, textId, defaultText); }
+
 void qt_lng_set_folder(const wchar_t* folder) { State().folderOverride = folder; }
 
 void qt_lng_reset() {
