@@ -18,6 +18,7 @@
 #include "QnColor.h"
 #include "QnVariant.h"
 #include "gm_model.h"
+#include "QnListView2.h"
 #include "Logging.h"
 #include "gwflock.h"
 #include "FileSharingServiceManager.h"
