@@ -17,9 +17,13 @@ void QnListView2Impl::rowsMoved() {
   tagIndex_.invalidate();
 }
 
-void QnListView2Impl::ensureIndexes() const {
+void QnListView2Impl::ensureLParamIndex() const {
   if (!lParamIndex_.valid()) lParamIndex_.rebuild(rows.size(), [this](size_t i) { return rows[i].lParam; });
+}
+void QnListView2Impl::ensureIdIndex() const {
   if (!idIndex_.valid()) idIndex_.rebuild(rows.size(), [this](size_t i) { return rows[i].id; });
+}
+void QnListView2Impl::ensureTagIndex() const {
   if (!tagIndex_.valid()) tagIndex_.rebuild(rows.size(), [this](size_t i) { return rows[i].tag.str(); });
 }
 
@@ -74,7 +78,7 @@ bool QnListView2Impl::isDescendant(int row, int ancestor) const {
   if (!validRow(row) || !validRow(ancestor) || row == ancestor) return false;
   const long long target = rows[ancestor].id;
   long long parent = rows[row].parentId;
-  ensureIndexes();
+  ensureIdIndex();
   // A chain longer than the rows is a loop; stop there.
   for (size_t steps = 0; parent != -1 && steps <= rows.size(); ++steps) {
     if (parent == target) return true;
@@ -157,15 +161,17 @@ int QnListView2Impl::DeleteEmptyCategoryRows() {
 
 bool QnListView2Impl::SetRowLParam(int row, long long lParam) {
   if (!validRow(row)) return false;
+  const long long old = rows[row].lParam;
   rows[row].lParam = lParam;
-  lParamIndex_.invalidate();
+  lParamIndex_.change(old, lParam, row);
   return true;
 }
 
 bool QnListView2Impl::SetRowTag(int row, const ustr& tag) {
   if (!validRow(row)) return false;
-  rows[row].tag = tag;
-  tagIndex_.invalidate();
+  ustr copy(tag);
+  rows[row].tag.str().swap(copy.str());
+  tagIndex_.change(copy.str(), rows[row].tag.str(), row);
   return true;
 }
 
@@ -184,7 +190,7 @@ bool QnListView2Impl::SetRowId(int row, long long id) {
       if (r.parentId == old) r.parentId = id;
   }
   rows[row].id = id;
-  idIndex_.invalidate();
+  idIndex_.change(old, id, row);
   return true;
 }
 
@@ -204,18 +210,18 @@ bool QnListView2Impl::SetRowParentId(int row, long long parentId) {
 
 int QnListView2Impl::FindRowIndex(int startRow, long long lParam) const {
   if (!validRow(startRow)) return -1;
-  ensureIndexes();
+  ensureLParamIndex();
   return lParamIndex_.find(lParam, startRow);
 }
 
 int QnListView2Impl::FindRowIndexByRowId(long long id) const {
-  ensureIndexes();
+  ensureIdIndex();
   return idIndex_.find(id, 0);
 }
 
 int QnListView2Impl::FindRowIndexByTag(int startRow, const std::wstring& tag) const {
   if (!validRow(startRow)) return -1;
-  ensureIndexes();
+  ensureTagIndex();
   return tagIndex_.find(tag, startRow);
 }
 

@@ -57,6 +57,30 @@ TEST(GridRows, FindersFollowInsertsDeletesSortsAndChanges) {
   ExpectFindersConsistent(view);
 }
 
+// Changing a key moves the row between the chains of rows sharing a key,
+// in the middle, at either end, and back.
+TEST(GridRows, KeyChangesKeepTheFindersRight) {
+  QnListView2 view;
+  for (int i = 0; i < 10; ++i) view.AddRow(0);
+  ASSERT_EQ(0, view.FindRowIndex(0));
+  ASSERT_EQ(0, view.FindRowIndexByTag(L""));
+  const int moves[][2] = {{5, 1}, {2, 1}, {7, 1}, {0, 1}, {2, 0}, {9, 1}, {7, 0}, {0, 0}};
+  for (const auto& m : moves) {
+    ASSERT_TRUE(view.SetRowLParam(m[0], m[1]));
+    ASSERT_TRUE(view.SetRowTag(m[0], m[1] ? L"one" : L""));
+    ExpectFindersConsistent(view);
+    EXPECT_EQ(view.FindRowIndex(m[0], 1), view.FindRowIndexByTag(m[0], L"one")) << m[0];
+  }
+  EXPECT_EQ(5, view.FindRowIndex(1));
+  EXPECT_EQ(9, view.FindRowIndex(6, 1));
+  ASSERT_TRUE(view.SetRowId(4, 44));
+  ASSERT_TRUE(view.SetRowId(4, 45));
+  EXPECT_EQ(-1, view.FindRowIndexByRowId(44));
+  EXPECT_EQ(4, view.FindRowIndexByRowId(45));
+  EXPECT_TRUE(view.SetRowId(3, 44)) << "the old id is free again";
+  ExpectFindersConsistent(view);
+}
+
 TEST(GridRows, DeleteByListsTagsAndLParams) {
   QnListView2 view;
   for (int i = 0; i < 6; ++i) {

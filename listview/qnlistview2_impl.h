@@ -193,8 +193,9 @@ class QnListView2Impl {
   const qt::listview::SelectionList* selectionList(int row, int column) const;
   ustr ClipboardText(const std::vector<int>& rows) const;
 
-  // The row finders' indexes and the child counts, rebuilt on demand after
-  // rows moved (insert in the middle, delete, sort, reverse).
+  // The row finders' indexes are rebuilt on demand after rows moved
+  // (insert in the middle, delete, sort, reverse); appends and key changes
+  // keep them up to date in place.
   void rowsMoved();
 
  private:
@@ -205,7 +206,9 @@ class QnListView2Impl {
   mutable qt::listview::RowIndex<std::wstring> tagIndex_;
   // Number of rows naming each id as their parent; kept exact at all times.
   std::unordered_map<long long, int> childCount_;
-  void ensureIndexes() const;
+  void ensureLParamIndex() const;
+  void ensureIdIndex() const;
+  void ensureTagIndex() const;
   void addChild(long long parentId);
   void removeChild(long long parentId);
 };
