@@ -1,7 +1,8 @@
 // Sorting and reversing. Rows are reordered among their siblings only:
 // category rows stay where they are and split the rows into groups sorted
 // on their own; inside a group children follow their parent. The sort keys
-// are read once per sort, so comparing two rows never converts a value.
+// are read once per sort, so comparing two rows never converts a value;
+// the rows themselves move once, at the end.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -14,9 +15,10 @@ namespace {
 using qt::listview::Row;
 
 // The new order of the rows: each group between category rows ordered by
-// `less` among siblings, children right after their parent.
-template <class Less>
-std::vector<int> Arrange(const std::vector<Row>& rows, const Less& less) {
+// `order` among siblings (it reorders a list of row indices, given in
+// ascending order), children right after their parent.
+template <class Order>
+std::vector<int> Arrange(const std::vector<Row>& rows, const Order& orderGroup) {
   const int n = static_cast<int>(rows.size());
   std::vector<int> order;
   order.reserve(rows.size());
@@ -36,7 +38,7 @@ std::vector<int> Arrange(const std::vector<Row>& rows, const Less& less) {
     roots.clear();
     if (!tree) {
       for (int i = start; i < end; ++i) roots.push_back(i);
-      std::stable_sort(roots.begin(), roots.end(), less);
+      orderGroup(roots);
       order.insert(order.end(), roots.begin(), roots.end());
       start = end;
       continue;
@@ -51,8 +53,8 @@ std::vector<int> Arrange(const std::vector<Row>& rows, const Less& less) {
       if (p != position.end() && p->second < i) children[p->second].push_back(i);
       else roots.push_back(i);
     }
-    std::stable_sort(roots.begin(), roots.end(), less);
-    for (auto& entry : children) std::stable_sort(entry.second.begin(), entry.second.end(), less);
+    orderGroup(roots);
+    for (auto& entry : children) orderGroup(entry.second);
     pending.assign(roots.rbegin(), roots.rend());
     while (!pending.empty()) {
       const int at = pending.back();
@@ -66,22 +68,87 @@ std::vector<int> Arrange(const std::vector<Row>& rows, const Less& less) {
   return order;
 }
 
-// One cell as the built-in comparison sees it.
+// One cell as the built-in comparison sees it. Texts are compared where
+// they lie, upper-casing as they go: most pairs differ in a few characters,
+// so that is cheaper than upper-cased copies of every text.
 struct Key {
   enum Class { Empty = 0, Number = 1, NotANumber = 2, Text = 3 };
+  union {
+    double number;
+    const std::wstring* text;
+  };
   int cls;
-  int text;  // into the upper-cased texts
-  double number;
 };
 
-int CompareKeys(const Key& a, const Key& b, const std::vector<std::wstring>& texts) {
+inline unsigned Upper(wchar_t c) {
+  if (c < 128) return static_cast<unsigned>(c >= L'a' && c <= L'z' ? c - (L'a' - L'A') : c);
+  return static_cast<unsigned>(qn_charupper(c));
+}
+
+int CompareTexts(const std::wstring& a, const std::wstring& b) {
+  const size_t n = a.size() < b.size() ? a.size() : b.size();
+  for (size_t i = 0; i < n; ++i) {
+    const unsigned x = Upper(a[i]), y = Upper(b[i]);
+    if (x != y) return x < y ? -1 : 1;
+  }
+  return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+inline int CompareKeys(const Key& a, const Key& b) {
   if (a.cls != b.cls) return a.cls < b.cls ? -1 : 1;
   if (a.cls == Key::Number) return a.number < b.number ? -1 : (b.number < a.number ? 1 : 0);
-  if (a.cls == Key::Text) {
-    const int c = texts[static_cast<size_t>(a.text)].compare(texts[static_cast<size_t>(b.text)]);
-    return c < 0 ? -1 : (c > 0 ? 1 : 0);
-  }
+  if (a.cls == Key::Text) return CompareTexts(*a.text, *b.text);
   return 0;
+}
+
+void ReadKey(const qt::listview::Cell& c, Key& key) {
+  static const std::wstring kNoText;
+  key.cls = Key::Number;
+  switch (c.kind) {
+    case QnListView2::KindText:
+      key.cls = Key::Text;
+      key.text = c.text ? &c.text->str() : &kNoText;
+      return;
+    case QnListView2::KindShort:
+    case QnListView2::KindColorIndex: key.number = c.number.s; return;
+    case QnListView2::KindInt: key.number = c.number.i; return;
+    case QnListView2::KindUInt: key.number = c.number.u; return;
+    case QnListView2::KindFloat: key.number = c.number.f; break;
+    case QnListView2::KindDouble: key.number = c.number.d; break;
+    case QnListView2::KindBool: key.number = c.number.b ? 1 : 0; return;
+    default:  // Empty and geometry models
+      key.cls = Key::Empty;
+      key.number = 0;
+      return;
+  }
+  if (std::isnan(key.number)) key.cls = Key::NotANumber;
+}
+
+// A row's keys copied beside its index, so that comparing two rows reads
+// one place in memory; used for up to three sort columns.
+template <size_t N>
+struct Item {
+  Key keys[N];
+  int row;
+};
+
+template <size_t N>
+void SortInline(std::vector<int>& group, const std::vector<Key>& keys, const std::vector<QnListView2::SortType>& dir) {
+  std::vector<Item<N> > items(group.size());
+  for (size_t i = 0; i < group.size(); ++i) {
+    items[i].row = group[i];
+    for (size_t k = 0; k < N; ++k) items[i].keys[k] = keys[static_cast<size_t>(group[i]) * N + k];
+  }
+  bool descending[N];
+  for (size_t k = 0; k < N; ++k) descending[k] = dir[k] == QnListView2::SortDescending;
+  std::stable_sort(items.begin(), items.end(), [&](const Item<N>& a, const Item<N>& b) {
+    for (size_t k = 0; k < N; ++k) {
+      const int c = CompareKeys(a.keys[k], b.keys[k]);
+      if (c != 0) return descending[k] ? c > 0 : c < 0;
+    }
+    return false;
+  });
+  for (size_t i = 0; i < group.size(); ++i) group[i] = items[i].row;
 }
 
 }  // namespace
@@ -95,40 +162,31 @@ bool QnListView2Impl::Sort(const std::vector<SortType>& types, const std::vector
   }
   const size_t keyCount = sortBy.size();
   std::vector<Key> keys(rows.size() * keyCount);
-  std::vector<std::wstring> texts;
-  for (size_t r = 0; r < rows.size(); ++r) {
-    for (size_t k = 0; k < keyCount; ++k) {
-      const Cell& c = rows[r].cells[static_cast<size_t>(sortBy[k])];
-      Key& key = keys[r * keyCount + k];
-      key.cls = Key::Empty;
-      key.text = 0;
-      key.number = 0;
-      if (c.kind == QnListView2::KindText) {
-        key.cls = Key::Text;
-        key.text = static_cast<int>(texts.size());
-        texts.push_back(c.text ? c.text->str() : std::wstring());
-        for (wchar_t& ch : texts.back()) ch = qn_charupper(ch);
-      } else if (c.kind != QnListView2::KindEmpty && c.kind != QnListView2::KindGeometry) {
-        key.number = c.value().toDouble();
-        key.cls = std::isnan(key.number) ? Key::NotANumber : Key::Number;
-      }
-    }
-  }
+  for (size_t r = 0; r < rows.size(); ++r)
+    for (size_t k = 0; k < keyCount; ++k) ReadKey(rows[r].cells[static_cast<size_t>(sortBy[k])], keys[r * keyCount + k]);
   const std::vector<SortType>& dir = types;
   const auto builtIn = [&](int a, int b, size_t k) {
-    return CompareKeys(keys[static_cast<size_t>(a) * keyCount + k], keys[static_cast<size_t>(b) * keyCount + k], texts);
+    return CompareKeys(keys[static_cast<size_t>(a) * keyCount + k], keys[static_cast<size_t>(b) * keyCount + k]);
   };
   std::vector<int> order;
-  if (!less) {
-    order = Arrange(rows, [&](int a, int b) {
-      for (size_t k = 0; k < keyCount; ++k) {
-        const int c = builtIn(a, b, k);
-        if (c != 0) return dir[k] == QnListView2::SortDescending ? c > 0 : c < 0;
-      }
-      return false;
+  if (!less && keyCount <= 3) {
+    order = Arrange(rows, [&](std::vector<int>& group) {
+      if (keyCount == 1) SortInline<1>(group, keys, dir);
+      else if (keyCount == 2) SortInline<2>(group, keys, dir);
+      else SortInline<3>(group, keys, dir);
+    });
+  } else if (!less) {
+    order = Arrange(rows, [&](std::vector<int>& group) {
+      std::stable_sort(group.begin(), group.end(), [&](int a, int b) {
+        for (size_t k = 0; k < keyCount; ++k) {
+          const int c = builtIn(a, b, k);
+          if (c != 0) return dir[k] == QnListView2::SortDescending ? c > 0 : c < 0;
+        }
+        return false;
+      });
     });
   } else {
-    order = Arrange(rows, [&](int a, int b) {
+    const auto rowLess = [&](int a, int b) {
       for (size_t k = 0; k < keyCount; ++k) {
         bool declined = false;
         const long long la = rows[static_cast<size_t>(a)].lParam, lb = rows[static_cast<size_t>(b)].lParam;
@@ -145,7 +203,8 @@ bool QnListView2Impl::Sort(const std::vector<SortType>& types, const std::vector
         if (c != 0) return dir[k] == QnListView2::SortDescending ? c > 0 : c < 0;
       }
       return false;
-    });
+    };
+    order = Arrange(rows, [&](std::vector<int>& group) { std::stable_sort(group.begin(), group.end(), rowLess); });
   }
   std::vector<Row> sorted;
   sorted.reserve(rows.size());
@@ -161,7 +220,7 @@ bool QnListView2Impl::Sort(const std::vector<SortType>& types, const std::vector
 }
 
 bool QnListView2Impl::ReverseRows() {
-  const std::vector<int> order = Arrange(rows, [](int a, int b) { return a > b; });
+  const std::vector<int> order = Arrange(rows, [](std::vector<int>& group) { std::reverse(group.begin(), group.end()); });
   std::vector<Row> reversed;
   reversed.reserve(rows.size());
   int newSelectedCellRow = -1;
