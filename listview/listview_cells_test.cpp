@@ -211,7 +211,9 @@ TEST_F(GridCells, FailuresInsideSettersAnswerFalseAndKeepTheModel) {
       qt_test::FailingAllocations failing(allowed);
       succeeded = view.SetCell(1, 2, longText);
     }
-    if (!succeeded) ASSERT_EQ(L"kept", view.GetCellText(1, 2).str()) << allowed;
+    if (!succeeded) {
+      ASSERT_EQ(L"kept", view.GetCellText(1, 2).str()) << allowed;
+    }
   }
   EXPECT_TRUE(succeeded);
 }

@@ -45,7 +45,7 @@ TEST(GridSort, BuiltInOrderEmptyNumbersTextsCaseInsensitive) {
 // some pairs and many rows tie on all three.
 TEST(GridSort, SeveralKeysEachWithItsDirectionAndStable) {
   QnListView2 view;
-  for (int c = 0; c < 3; ++c) view.AddColumn(L"c", 10);
+  for (int c = 0; c < 4; ++c) view.AddColumn(L"c", 10);
   struct Plain {
     int a;
     double b;
@@ -61,6 +61,7 @@ TEST(GridSort, SeveralKeysEachWithItsDirectionAndStable) {
     view.SetCell(r, 0, p.a);
     view.SetCell(r, 1, p.b);
     view.SetCell(r, 2, ustr(p.c.c_str()));
+    view.SetCell(r, 3, i % 5);
   }
   ASSERT_TRUE(view.SortRows({V::SortAscending, V::SortDescending, V::SortAscending}, {0, 1, 2}));
   std::stable_sort(plain.begin(), plain.end(), [](const Plain& x, const Plain& y) {
@@ -72,6 +73,18 @@ TEST(GridSort, SeveralKeysEachWithItsDirectionAndStable) {
   for (const Plain& p : plain) expected.push_back(p.lp);
   EXPECT_EQ(expected, LParams(view));
   EXPECT_EQ((std::vector<int>{0, 1, 2}), view.GetSortColumns());
+
+  // Four keys take the general path; the fourth breaks the remaining ties.
+  ASSERT_TRUE(view.SortRows({V::SortAscending, V::SortDescending, V::SortAscending, V::SortDescending}, {0, 1, 2, 3}));
+  std::stable_sort(plain.begin(), plain.end(), [](const Plain& x, const Plain& y) {
+    if (x.a != y.a) return x.a < y.a;
+    if (x.b != y.b) return x.b > y.b;
+    if (Upper(x.c) != Upper(y.c)) return Upper(x.c) < Upper(y.c);
+    return x.lp % 5 > y.lp % 5;
+  });
+  expected.clear();
+  for (const Plain& p : plain) expected.push_back(p.lp);
+  EXPECT_EQ(expected, LParams(view));
 
   // The state sorts again after the rows changed.
   view.SetCell(view.FindRowIndex(59), 0, -1);

@@ -28,7 +28,9 @@ inline void ExpectFindersConsistent(const QnListView2& view) {
     EXPECT_EQ(first, view.FindRowIndex(lp)) << "row " << r;
     EXPECT_EQ(r, view.FindRowIndex(r, lp)) << "row " << r;
     EXPECT_EQ(r, view.FindRowIndexByRowId(view.GetRowId(r))) << "row " << r;
-    if (!view.GetRowTag(r).empty()) EXPECT_EQ(r, view.FindRowIndexByTag(r, view.GetRowTag(r).c_str())) << "row " << r;
+    if (!view.GetRowTag(r).empty()) {
+      EXPECT_EQ(r, view.FindRowIndexByTag(r, view.GetRowTag(r).c_str())) << "row " << r;
+    }
   }
 }
 
