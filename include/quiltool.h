@@ -20,6 +20,7 @@
 #include "QnVariant.h"
 #include "ValueValidator.h"
 #include "gm_model.h"
+#include "QnListView2.h"
 #include "Logging.h"
 #include "gwflock.h"
 #include "FileSharingServiceManager.h"
