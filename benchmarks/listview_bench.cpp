@@ -25,11 +25,15 @@ void* operator new(std::size_t size) {
   g_liveBytes += static_cast<long long>(malloc_usable_size(p));
   return p;
 }
+// GCC takes the free() in a replaced operator delete for a mismatch.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 void operator delete(void* p) noexcept {
   if (!p) return;
   g_liveBytes -= static_cast<long long>(malloc_usable_size(p));
   std::free(p);
 }
+#pragma GCC diagnostic pop
 void operator delete(void* p, std::size_t) noexcept { operator delete(p); }
 
 namespace {
