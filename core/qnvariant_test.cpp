@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "comma_locale.h"
 #include "QnVariant.h"
 #include "testsupport/failure_points.h"
 
@@ -212,24 +213,7 @@ TEST(QnVariant, DecimalsRoundHalfAwayFromZero) {
   EXPECT_EQ(352u, TextOf(QnVariant(0.5), 100000).size());
 }
 
-// The process locale of a host that uses ',' as its decimal point; given
-// back afterwards.
-class CommaLocale : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const char* now = std::setlocale(LC_ALL, nullptr);
-    saved_ = now ? now : "C";
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "German_Germany.1252", "German", "de-DE"}) {
-      if (std::setlocale(LC_ALL, name) && std::localeconv()->decimal_point[0] == ',') return;
-    }
-    std::setlocale(LC_ALL, saved_.c_str());
-    GTEST_SKIP() << "no locale with a decimal comma is installed";
-  }
-  void TearDown() override { std::setlocale(LC_ALL, saved_.c_str()); }
-
- private:
-  std::string saved_;
-};
+class CommaLocale : public qt_test::CommaLocale {};
 
 TEST_F(CommaLocale, ChangesNothing) {
   EXPECT_EQ(L"0.5", TextOf(QnVariant(0.5)));

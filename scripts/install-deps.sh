@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   libsqlite3-dev libtinyxml2-dev googletest libbenchmark-dev libspdlog-dev libelf-dev
   g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth
-  dpkg-dev tcl xz-utils python3
+  dpkg-dev tcl xz-utils python3 locales
   clang libclang-rt-dev llvm
 )
 
@@ -36,4 +36,11 @@ if ! grep -rqs '^Types:.*deb-src' /etc/apt/sources.list.d/ && ! grep -qs '^deb-s
     grep -E '^deb ' /etc/apt/sources.list | sed 's/^deb /deb-src /' > /etc/apt/sources.list.d/quiltool-src.list || true
   fi
   apt-get update -q
+fi
+
+# A locale whose decimal point is ',', so that the tests that formatting
+# ignores the process locale run on Linux too instead of skipping.
+if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
+  echo "== generating the de_DE.UTF-8 locale"
+  localedef -i de_DE -c -f UTF-8 de_DE.UTF-8
 fi

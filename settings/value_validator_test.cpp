@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "comma_locale.h"
 #include "Lng.h"
 #include "ValueValidator.h"
 #include "failure_points.h"
@@ -112,24 +113,7 @@ TEST(ValueRangeMessage, OwnMessageComesFirst) {
   EXPECT_EQ(L"Between 0 and 100 people, please", RangeMessage(r, false, 0));
 }
 
-// The process locale of a host that uses ',' as its decimal point; given
-// back afterwards.
-class ValueRangeMessageCommaLocale : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const char* now = std::setlocale(LC_ALL, nullptr);
-    saved_ = now ? now : "C";
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "German_Germany.1252", "German", "de-DE"}) {
-      if (std::setlocale(LC_ALL, name) && std::localeconv()->decimal_point[0] == ',') return;
-    }
-    std::setlocale(LC_ALL, saved_.c_str());
-    GTEST_SKIP() << "no locale with a decimal comma is installed";
-  }
-  void TearDown() override { std::setlocale(LC_ALL, saved_.c_str()); }
-
- private:
-  std::string saved_;
-};
+class ValueRangeMessageCommaLocale : public qt_test::CommaLocale {};
 
 TEST_F(ValueRangeMessageCommaLocale, StillWritesAPoint) {
   EXPECT_EQ(L"Valid value range: -0.75 ... 1234.50.", RangeMessage(FloatRange(0, -0.75, 1234.5), true, 2));
