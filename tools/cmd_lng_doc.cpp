@@ -133,20 +133,33 @@ bool LoadDocument(const std::string& path, const qt::qlg::Definition& def, Docum
   return ParseDocument(bytes, path, def, out, error);
 }
 
+namespace {
+
+// A comment line as written back: the reader takes one '\r' before a line
+// end for a CRLF, so a comment that ends in '\r' would lose one on every
+// round trip; they are dropped here once and for all.
+std::string CommentLine(const std::string& comment) {
+  size_t n = comment.size();
+  while (n > 0 && comment[n - 1] == '\r') --n;
+  return comment.substr(0, n) + "\n";
+}
+
+}  // namespace
+
 std::string Serialize(const Document& doc) {
   std::string s;
-  for (const std::string& c : doc.fileComments) s += c + "\n";
+  for (const std::string& c : doc.fileComments) s += CommentLine(c);
   s += "qlg 1\nmodule " + doc.module + "\n";
   for (const Entry& e : doc.entries) {
     s += "\n";
-    for (const std::string& c : e.comments) s += c + "\n";
+    for (const std::string& c : e.comments) s += CommentLine(c);
     s += "text " + std::to_string(e.id) + "\n";
     if (e.hasNote) s += "\tnote " + qt::qlg::QuoteText(e.note) + "\n";
     for (const auto& t : e.texts) s += "\t" + std::to_string(t.first) + " " + qt::qlg::QuoteText(t.second) + "\n";
   }
   if (!doc.trailingComments.empty()) {
     s += "\n";
-    for (const std::string& c : doc.trailingComments) s += c + "\n";
+    for (const std::string& c : doc.trailingComments) s += CommentLine(c);
   }
   return s;
 }
