@@ -206,30 +206,25 @@ bool QnListView2Impl::Sort(const std::vector<SortType>& types, const std::vector
     };
     order = Arrange(rows, [&](std::vector<int>& group) { std::stable_sort(group.begin(), group.end(), rowLess); });
   }
-  std::vector<Row> sorted;
-  sorted.reserve(rows.size());
-  int newSelectedCellRow = -1;
-  for (size_t i = 0; i < order.size(); ++i) {
-    if (order[i] == selectedCellRow) newSelectedCellRow = static_cast<int>(i);
-    sorted.push_back(std::move(rows[static_cast<size_t>(order[i])]));
-  }
-  rows.swap(sorted);
-  selectedCellRow = newSelectedCellRow;
-  rowsMoved();
+  applyOrder(order);
   return true;
 }
 
 bool QnListView2Impl::ReverseRows() {
-  const std::vector<int> order = Arrange(rows, [](std::vector<int>& group) { std::reverse(group.begin(), group.end()); });
-  std::vector<Row> reversed;
-  reversed.reserve(rows.size());
+  applyOrder(Arrange(rows, [](std::vector<int>& group) { std::reverse(group.begin(), group.end()); }));
+  return true;
+}
+
+void QnListView2Impl::applyOrder(const std::vector<int>& order) {
+  // The selected cell follows its row to its new place.
+  std::vector<Row> arranged;
+  arranged.reserve(rows.size());
   int newSelectedCellRow = -1;
   for (size_t i = 0; i < order.size(); ++i) {
     if (order[i] == selectedCellRow) newSelectedCellRow = static_cast<int>(i);
-    reversed.push_back(std::move(rows[static_cast<size_t>(order[i])]));
+    arranged.push_back(std::move(rows[static_cast<size_t>(order[i])]));
   }
-  rows.swap(reversed);
+  rows.swap(arranged);
   selectedCellRow = newSelectedCellRow;
   rowsMoved();
-  return true;
 }

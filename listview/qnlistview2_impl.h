@@ -199,6 +199,8 @@ class QnListView2Impl {
   void rowsMoved();
 
  private:
+  // Puts the rows in the given order (new position -> old index).
+  void applyOrder(const std::vector<int>& order);
   void checkGrowth() const;
   long long nextAutoId_ = -2;
   mutable qt::listview::RowIndex<long long> lParamIndex_;
