@@ -10,6 +10,7 @@
 
 #include "gwframe.h"
 #include "qt_test_win.h"
+#include "screenshot_win.h"
 
 namespace {
 
@@ -87,4 +88,33 @@ TEST(RealMessageBox, FocusGoesBackToTheWindowThatHadIt) {
   EXPECT_TRUE(seen.found);
   EXPECT_EQ(edit, GetFocus());
   DestroyWindow(frame);
+}
+
+// The picture is taken from the screen while the box is up, then the box
+// is answered; the text and buttons are checked either way.
+TEST(RealMessageBox, ScreenshotOfTheYesNoQuestion) {
+  std::atomic<bool> shot{false};
+  SeenBox seen;
+  std::thread watcher([&] {
+    for (int i = 0; i < 300 && !seen.found; ++i) {
+      HWND box = qt_test::FindOwnWindow(L"#32770", L"Quillon");
+      if (!box || !IsWindowVisible(box)) {
+        Sleep(50);
+        continue;
+      }
+      Sleep(200);  // let the box paint itself
+      wchar_t buffer[512];
+      GetDlgItemTextW(box, 0xFFFF, buffer, 512);
+      seen.text = buffer;
+      seen.found = GetDlgItem(box, IDYES) && GetDlgItem(box, IDNO);
+      if (qt_test::ScreenshotsWanted()) shot = qt_test::SaveWindowScreenshot(box, "message_box_yes_no_question");
+      PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDYES, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, IDYES)));
+      return;
+    }
+  });
+  EXPECT_EQ(IDYES, gwyesnomsg(nullptr, L"Overwrite the layout of \"Ducts\"?"));
+  watcher.join();
+  EXPECT_TRUE(seen.found);
+  EXPECT_EQ(L"Overwrite the layout of \"Ducts\"?", seen.text);
+  if (qt_test::ScreenshotsWanted()) EXPECT_TRUE(shot.load());
 }

@@ -169,6 +169,11 @@ lane_windows() {
     fail_lane windows "tests did not run"
   fi
   [ $inner -eq 0 ] || [ "${failed[windows]}" -gt 0 ] || failed[windows]=1
+  if [ -f "$run_tmp/screenshots-failed" ]; then
+    failed[windows]=$(( ${failed[windows]} + 1 ))
+    grep -v 'wrote' "$run_tmp/screenshots.log" | tail -20 >&2
+    echo "windows: scripts/screenshots.sh FAILED" >&2
+  fi
 
   if cmake --install "$dir" >/dev/null && check_consumer windows "$run_tmp/prefix-windows" \
        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" &&
