@@ -16,8 +16,6 @@
 //    EditCell answers false, Redraw/RedrawRow do nothing and
 //    GetHeaderItemIndexAt answers -1. All the model below works without a
 //    control.
-//  - the column manager (GetColumnManager) with its registry and XML
-//    persistence (SaveColumnsToRegistry, LoadColumnsFromRegistry).
 #ifndef QUILTOOL_QNLISTVIEW2_H
 #define QUILTOOL_QNLISTVIEW2_H
 
@@ -40,6 +38,7 @@ struct tagMEASUREITEMSTRUCT;
 #endif
 
 class QnListView2Impl;
+class QNListViewColumnManager;
 
 class QT_API QnListView2 {
  public:
@@ -179,6 +178,14 @@ class QT_API QnListView2 {
   bool IsColumnHideable(int column) const;
   void SetColumnManagerFlags(int flags);
   int GetColumnManagerFlags() const;
+  // The grid's column manager, owned by the grid (null only when the grid
+  // could not be made). Hiding a column through it or ShowHideColumn sets
+  // its width to 0 and remembers the old one.
+  QNListViewColumnManager* GetColumnManager();
+  // The layout under a registry key (see QNListViewColumnManager.h): by
+  // LParam when the columns' LParams are distinct, else by index.
+  bool SaveColumnsToRegistry(const wchar_t* key);
+  bool LoadColumnsFromRegistry(const wchar_t* key, bool redraw = true);
   void SetSortableHeader(bool sortable);
   bool IsSortableHeader() const;
   int GetHeaderItemIndexAt(POINT point) const;

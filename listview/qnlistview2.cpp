@@ -60,18 +60,26 @@ int QnListView2::GetRowHeight() const { return QT_LV(0, return m.rowHeight;); }
 // ---- columns ----
 int QnListView2::AddColumn(const ustr& name, int width, int alignment, long long lParam) {
   return QT_LV(-1, if (!ValidAlignment(alignment)) return -1;
-               return m.InsertColumn(static_cast<int>(m.columns.size()), name, width, alignment, lParam););
+               const int at = m.InsertColumn(static_cast<int>(m.columns.size()), name, width, alignment, lParam);
+               if (at >= 0) m.manager().OnColumnInserted(at); return at;);
 }
 int QnListView2::InsertColumn(int index, const ustr& name, int width, int alignment, long long lParam) {
-  return QT_LV(-1, if (!ValidAlignment(alignment)) return -1; return m.InsertColumn(index, name, width, alignment, lParam););
+  return QT_LV(-1, if (!ValidAlignment(alignment)) return -1;
+               const int at = m.InsertColumn(index, name, width, alignment, lParam);
+               if (at >= 0) m.manager().OnColumnInserted(at); return at;);
 }
 bool QnListView2::SetColumn(int column, const ustr& name, int width, int alignment, long long lParam) {
   return QT_LV(false, if (!m.validColumn(column) || !ValidAlignment(alignment)) return false;
                ustr copy(name); QnListView2Impl::Column& c = m.columns[column]; c.name.str().swap(copy.str());
                c.width = width < 0 ? 0 : width; c.alignment = alignment; c.lParam = lParam; return true;);
 }
-bool QnListView2::DeleteColumn(int column) { return QT_LV(false, return m.DeleteColumn(column);); }
-void QnListView2::DeleteAllColumns() { QT_LV_VOID(m.DeleteAllColumns();); }
+bool QnListView2::DeleteColumn(int column) {
+  return QT_LV(false, if (!m.DeleteColumn(column)) return false; m.manager().OnColumnDeleted(column); return true;);
+}
+void QnListView2::DeleteAllColumns() {
+  QT_LV_VOID(for (int c = static_cast<int>(m.columns.size()) - 1; c >= 0; --c) m.manager().OnColumnDeleted(c);
+             m.DeleteAllColumns(););
+}
 int QnListView2::GetColumnCount() const { return QT_LV(0, return static_cast<int>(m.columns.size());); }
 ustr QnListView2::GetColumnName(int column) const {
   return QT_LV(ustr(), return m.validColumn(column) ? m.columns[column].name : ustr(););
@@ -131,19 +139,40 @@ int QnListView2::FindColumnIndex(long long lParam) const {
   return QT_LV(-1, for (size_t i = 0; i < m.columns.size(); ++i) if (m.columns[i].lParam == lParam) return static_cast<int>(i);
                return -1;);
 }
-bool QnListView2::ShowHideColumn(int column, bool show, bool) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].shown = show; return true;);
+bool QnListView2::ShowHideColumn(int column, bool show, bool redraw) {
+  return QT_LV(false, return m.manager().ShowHideColumn(column, show, redraw););
 }
 bool QnListView2::IsColumnShown(int column) const {
   return QT_LV(false, return m.validColumn(column) && m.columns[column].shown;);
 }
 bool QnListView2::SetColumnHideable(int column, bool hideable) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].hideable = hideable; return true;);
+  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].hideable = hideable;
+               m.manager().SetHideable(column, hideable); return true;);
 }
 bool QnListView2::IsColumnHideable(int column) const {
   return QT_LV(false, return m.validColumn(column) && m.columns[column].hideable;);
 }
-void QnListView2::SetColumnManagerFlags(int flags) { QT_LV_VOID(m.columnManagerFlags = flags;); }
+void QnListView2::SetColumnManagerFlags(int flags) {
+  QT_LV_VOID(m.columnManagerFlags = flags; m.manager().SetFlags(flags, ~0););
+}
+QNListViewColumnManager* QnListView2::GetColumnManager() {
+  return QT_LV(static_cast<QNListViewColumnManager*>(nullptr), return &m.manager(););
+}
+// Columns with distinct LParams are saved by LParam, so the layout still
+// fits after the program changed its columns; others by index.
+static bool DistinctLParams(const std::vector<long long>& lParams) {
+  std::unordered_set<long long> seen(lParams.begin(), lParams.end());
+  return seen.size() == lParams.size();
+}
+bool QnListView2::SaveColumnsToRegistry(const wchar_t* key) {
+  return QT_LV(false, const std::vector<long long> lParams = GetColumnsLParams();
+               return DistinctLParams(lParams) ? m.manager().SaveToRegistry(key, lParams) : m.manager().SaveToRegistry(key););
+}
+bool QnListView2::LoadColumnsFromRegistry(const wchar_t* key, bool redraw) {
+  return QT_LV(false, const std::vector<long long> lParams = GetColumnsLParams();
+               return DistinctLParams(lParams) ? m.manager().LoadFromRegistry(key, redraw, lParams)
+                                               : m.manager().LoadFromRegistry(key, redraw););
+}
 int QnListView2::GetColumnManagerFlags() const { return QT_LV(0, return m.columnManagerFlags;); }
 void QnListView2::SetSortableHeader(bool sortable) { QT_LV_VOID(m.sortableHeader = sortable;); }
 bool QnListView2::IsSortableHeader() const { return QT_LV(false, return m.sortableHeader;); }

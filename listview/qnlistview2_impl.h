@@ -15,6 +15,8 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+
+#include "QNListViewColumnManager.h"
 #include <vector>
 
 #include "QnListView2.h"
@@ -129,6 +131,9 @@ class QnListView2Impl {
   int selectedColumn = -1;
   int selectedCellRow = -1;
   int columnManagerFlags = 0;
+  // Made on first use (grid_column_manager.cpp).
+  std::unique_ptr<QNListViewColumnManager> columnManager;
+  QNListViewColumnManager& manager();
   bool sortableHeader = false;
   int ensuredRow = -1;
   int ensuredColumn = -1;
