@@ -20,6 +20,7 @@
 #include "file_problem_platform.h"
 #include "qb.h"
 #include "qn_utf.h"
+#include "tools/db_sample.h"
 #include "ustr.h"
 
 namespace {
@@ -305,6 +306,7 @@ const char kUsage[] =
     "usage: quiltool db info FILE [--wait SECONDS]\n"
     "       quiltool db dump FILE [--set SET] [--format text|json] [--wait SECONDS]\n"
     "       quiltool db check FILE [--wait SECONDS]\n"
+    "       quiltool db sample FILE [--records N]\n"
     "--wait: how long to wait for a file another process is writing (default 30)\n";
 
 int Usage(FILE* err, const std::string& problem) {
@@ -319,6 +321,7 @@ int DbMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
   }
   if (args.empty()) return Usage(err, "which action?");
   const std::string& verb = args[0];
+  if (verb == "sample") return qt_tool::DbSampleMain(args, out, err);
   std::vector<qt_tool::OptionSpec> specs = {{"--wait", true}};
   if (verb == "dump") {
     specs.push_back({"--set", true});
@@ -346,6 +349,6 @@ int DbMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
   return Check(db, out, err);
 }
 
-const qt_tool::Registration kDb({"db", "look into a project database (info, dump, check)", DbMain});
+const qt_tool::Registration kDb({"db", "look into a project database (info, dump, check) or make a sample one", DbMain});
 
 }  // namespace
