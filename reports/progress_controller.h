@@ -53,6 +53,8 @@ class Controller {
   void refreshBars(int first);
   void setHeader(const std::wstring& text);
   void setCaption(const std::wstring& text);
+  // The caption changed on the window itself; the view is not told again.
+  void noteCaption(const std::wstring& text) { caption_ = text; }
   void setAllowCancel(bool allow);
   const std::wstring& header() const { return header_; }
   const std::wstring& caption() const { return caption_; }
