@@ -121,6 +121,16 @@ struct sigaction g_previousSigint;
 
 extern "C" void OnSigint(int) { g_interrupted = 1; }
 
+// Restarting keeps a read or write of the work from failing with EINTR
+// because the user pressed Ctrl+C on another thread's behalf.
+const struct sigaction& OurSigint() {
+  static struct sigaction ours;
+  ours.sa_handler = &OnSigint;
+  ours.sa_flags = SA_RESTART;
+  sigemptyset(&ours.sa_mask);
+  return ours;
+}
+
 void InstallSigint() {
   if (g_sigintDepth++ > 0) return;
   g_interrupted = 0;
@@ -128,10 +138,7 @@ void InstallSigint() {
   if (sigaction(SIGINT, nullptr, &g_previousSigint) != 0) return;
   // A process started to ignore Ctrl+C (a background job) keeps ignoring it.
   if (!(g_previousSigint.sa_flags & SA_SIGINFO) && g_previousSigint.sa_handler == SIG_IGN) return;
-  struct sigaction ours = {};
-  ours.sa_handler = &OnSigint;
-  sigemptyset(&ours.sa_mask);
-  g_sigintInstalled = sigaction(SIGINT, &ours, nullptr) == 0;
+  g_sigintInstalled = sigaction(SIGINT, &OurSigint(), nullptr) == 0;
 }
 
 void RemoveSigint() {
@@ -153,10 +160,7 @@ void TakeInterrupt(Controller& controller) {
   if (!g_sigintInstalled) return;
   sigaction(SIGINT, &g_previousSigint, nullptr);
   raise(SIGINT);
-  struct sigaction ours = {};
-  ours.sa_handler = &OnSigint;
-  sigemptyset(&ours.sa_mask);
-  sigaction(SIGINT, &ours, nullptr);
+  sigaction(SIGINT, &OurSigint(), nullptr);
 }
 
 // ---- the terminal ----

@@ -262,6 +262,7 @@ TEST(ProgressTerminal, CtrlCCancelsAndTheHostHandlerComesBack) {
     again.join();
   }
   g_release = true;
+  Pause(100);  // the let-go worker ends before the process does
   EXPECT_EQ(&HostHandler, CurrentSigint());
   sigaction(SIGINT, &before, nullptr);
 }

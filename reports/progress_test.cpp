@@ -246,5 +246,6 @@ TEST(ProgressThreaded, StopRoutineGivesUpOnWorkThatIgnoresTheFlag) {
   // The let-go worker still finds its record, with no window behind it.
   for (int i = 0; i < 200 && g_lateAnswer < 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
   EXPECT_EQ(0, g_lateAnswer);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // its thread ends before the process
 #endif
 }
