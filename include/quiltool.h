@@ -32,5 +32,6 @@
 #include "QBaseDb.h"
 #include "InterAppRecords.h"
 #include "InterApp.h"
+#include "ProgressDlg.h"
 
 #endif
