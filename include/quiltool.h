@@ -21,6 +21,7 @@
 #include "ValueValidator.h"
 #include "gm_model.h"
 #include "QnListView2.h"
+#include "SimpleReport.h"
 #include "Logging.h"
 #include "gwflock.h"
 #include "FileSharingServiceManager.h"
