@@ -69,16 +69,12 @@ void FillList(SimpleReportOuputDlg::Impl& impl) {
     for (int c = 0; c < columns; ++c) {
       const SimpleReport::CellData* cell = CellAt(data, r, static_cast<size_t>(c));
       if (!cell) continue;
-      switch (cell->kind) {
-        case SimpleReport::CellInteger:
-          if (!cell->empty) list.SetCell(row, c, cell->intValue, false);
-          break;
-        case SimpleReport::CellDouble:
-          if (!cell->empty) list.SetCell(row, c, cell->doubleValue, cell->decimals, false);
-          break;
-        default:
-          list.SetCell(row, c, SimpleReport::GetCellText(*cell), 0, false);
-          break;
+      // The grid shows the text form itself, so that what is seen is what
+      // the files and the clipboard get (the grid's own number formatting
+      // rounds differently); numbers keep to the right.
+      list.SetCell(row, c, SimpleReport::GetCellText(*cell), 0, false);
+      if (cell->kind == SimpleReport::CellInteger || cell->kind == SimpleReport::CellDouble) {
+        list.SetCellAlignment(row, c, QnListView2::AlignRight | QnListView2::AlignVCenter);
       }
     }
   }
