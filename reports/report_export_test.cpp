@@ -192,7 +192,7 @@ TEST(ReportXmlExport, WorkbookAroundTheTable) {
         "<Interior ss:Color=\"#FFF2CC\" ss:Pattern=\"Solid\"/>",
         "<Style ss:ID=\"s11\">\r\n   <Alignment ss:WrapText=\"1\"/>\r\n"
         "   <Font ss:FontName=\"Calibri\" x:Family=\"Swiss\" ss:Size=\"11\" ss:Color=\"#000000\"/>\r\n   <Interior/>",
-        "<FrozenNoSplit/>", "<SplitHorizontal>1</SplitHorizontal>", "<TopRowBottomPane>1</TopRowBottomPane>",
+        "<FreezePanes/>\r\n   <FrozenNoSplit/>", "<ExcelWorkbook xmlns=\"urn:schemas-microsoft-com:office:excel\">", "<SplitHorizontal>1</SplitHorizontal>", "<TopRowBottomPane>1</TopRowBottomPane>",
         "<ActivePane>2</ActivePane>", "<Number>3</Number>", "<Number>2</Number>\r\n     <ActiveRow>0</ActiveRow>",
         "<ProtectObjects>False</ProtectObjects>", "<ProtectScenarios>False</ProtectScenarios>",
         "</Worksheet>\r\n</Workbook>\r\n"}) {
