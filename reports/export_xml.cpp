@@ -101,6 +101,22 @@ void PutCell(const SimpleReport::CellData* cell, std::string* out) {
   out->append(kClose, sizeof kClose - 1);
 }
 
+// Close to the table's size, so that the one buffer of a large workbook is
+// not outgrown and copied at the end: that copy would double the peak.
+size_t EstimateTableSize(const SimpleReportData& data) {
+  const size_t kCellFrame = 70;  // the markup around a value
+  size_t size = 64 + data.columns.size() * (40 + kCellFrame);
+  for (const SimpleReport::ColumnData& column : data.columns) size += column.header.size() + column.header2.size();
+  for (size_t r = 0; r < data.rows.size(); ++r) {
+    size += 40 + data.columns.size() * kCellFrame;
+    for (const SimpleReport::CellData& cell : data.rows[r].cells) {
+      // Most text is ASCII; a number takes about a dozen characters.
+      size += cell.kind == SimpleReport::CellText ? cell.text.size() + cell.text.size() / 8 : 12;
+    }
+  }
+  return size;
+}
+
 }  // namespace
 
 void AppendXmlTable(const SimpleReportData& data, std::string* out) {
@@ -167,7 +183,7 @@ std::string BuildXmlSpreadsheet(const SimpleReportData& data, const std::string&
     head.resize(tablePos);
   }
   std::string out;
-  out.reserve(head.size() + tail.size() + 64 + (data.rows.size() + 1) * (40 + data.columns.size() * 64));
+  out.reserve(head.size() + tail.size() + EstimateTableSize(data));
   out += head;
   if (tablePos != std::string::npos) AppendXmlTable(data, &out);
   out += tail;

@@ -12,6 +12,7 @@ struct SimpleReportOuputDlg::Impl {
   DummyDialogCallback none;
   QnListView2 list;
   bool listFilled = false;
+  bool listAttached = false;  // the grid drives the list control itself
   HWND window = nullptr;
   int zoom = 100;
   void* zoomFont = nullptr;  // the platform's font for the zoomed table

@@ -123,7 +123,8 @@ void InitWindow(HWND window, Running* running) {
   SetTexts(window);
   SetDlgItemInt(window, IDC_REPORT_ZOOM, static_cast<UINT>(impl.zoom), FALSE);
   HWND list = GetDlgItem(window, IDC_REPORT_LIST);
-  if (!impl.list.Attach(qt::Frame().instance, list)) FillPlainList(list, impl);
+  impl.listAttached = impl.list.Attach(qt::Frame().instance, list);
+  if (!impl.listAttached) FillPlainList(list, impl);
   RECT rect;
   int show = SW_SHOWNORMAL;
   Reg_GetWindowPos(nullptr, kWindowPosName, window, &rect, &show, true);
@@ -201,6 +202,11 @@ void ApplyZoom(SimpleReportOuputDlg::Impl& impl) {
   SendMessageW(list, WM_SETFONT, reinterpret_cast<WPARAM>(zoomed), TRUE);
   ReleaseZoom(impl);
   impl.zoomFont = zoomed;
+  if (!impl.listAttached) {
+    // The plain list keeps its column widths; they grow with the text.
+    const int columns = impl.list.GetColumnCount();
+    for (int c = 0; c < columns; ++c) ListView_SetColumnWidth(list, c, MulDiv(impl.list.GetColumnWidth(c), impl.zoom, 100));
+  }
 }
 
 int ReadZoomField(SimpleReportOuputDlg::Impl& impl) {

@@ -27,3 +27,16 @@ const size_t kReportTemplateSize = ${qt_report_size};
 }  // namespace qt
 ")
 target_sources(quiltool_objects PRIVATE ${qt_report_template_cpp})
+
+# The report benchmark measures libxlsxwriter in the same run when Debian's
+# libxlsxwriter-dev is there.
+if(TARGET bench_report)
+  find_package(PkgConfig QUIET)
+  if(PkgConfig_FOUND)
+    pkg_check_modules(QT_XLSXWRITER QUIET IMPORTED_TARGET xlsxwriter)
+  endif()
+  if(QT_XLSXWRITER_FOUND)
+    target_link_libraries(bench_report PRIVATE PkgConfig::QT_XLSXWRITER)
+    target_compile_definitions(bench_report PRIVATE QT_HAVE_XLSXWRITER=1)
+  endif()
+endif()
