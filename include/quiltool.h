@@ -24,6 +24,7 @@
 #include "QNListViewColumnManager.h"
 #include "QnListView2.h"
 #include "QnRecentFileListManager.h"
+#include "SimpleReport.h"
 #include "Logging.h"
 #include "gwflock.h"
 #include "FileSharingServiceManager.h"

@@ -9,6 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth
   dpkg-dev tcl xz-utils python3 locales
   clang libclang-rt-dev llvm
+  libreoffice-calc-nogui gnumeric libxlsxwriter-dev
 )
 
 missing=()
