@@ -60,14 +60,19 @@ class Numbers {
     state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
     return static_cast<unsigned>(state_ >> 33);
   }
-  // A value with two decimals in [from, from + span).
-  double hundredths(double from, unsigned span) { return from + static_cast<double>(next() % (span * 100)) / 100.0; }
+  // A value with two decimals in [from, from + span), the double nearest
+  // to its decimal text (so that it prints back as written).
+  double hundredths(unsigned from, unsigned span) {
+    return static_cast<double>(from * 100 + next() % (span * 100)) / 100.0;
+  }
 
  private:
   unsigned long long state_ = 0x5EEDULL;
 };
 
-void Id(char* out, char prefix, long n) { std::snprintf(out, 9, "%c%07ld", prefix, n); }
+// Ids are the set's letter and seven digits; the record limit keeps every
+// count below 10^7.
+void Id(char (&out)[24], char prefix, long n) { std::snprintf(out, sizeof out, "%c%07ld", prefix, n % 10000000); }
 
 class Writer {
  public:
@@ -115,7 +120,7 @@ const wchar_t* const kRoomNotes[] = {L"", L"Zuluft über Decke\nAbluft über Flu
 
 void Fill(Writer& w, const SampleCounts& c) {
   Numbers n;
-  char id[9], owner[9];
+  char id[24], owner[24];
   for (long s = 1; s <= c.storeys && w.ok(); ++s) {
     Id(id, 'S', s);
     char* rec = w.make("STOREY", id);
@@ -161,7 +166,7 @@ void Fill(Writer& w, const SampleCounts& c) {
   for (long t = 1; t <= c.terminals && w.ok(); ++t) {
     Id(id, 'T', t);
     Id(owner, 'D', (t - 1) % c.ducts + 1);
-    char room[9];
+    char room[24];
     Id(room, 'R', (t - 1) % c.rooms + 1);
     char* rec = w.make("TERMINAL", id);
     w.text(&rec, 1, (t % 2 ? L"Zuluftauslass " : L"Abluftgitter ") + std::to_wstring(t));
@@ -226,8 +231,8 @@ int DbSampleMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
     const std::string text = a.value("--records");
     char* end = nullptr;
     total = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end || total < 5 || total > 100000000) {
-      std::fprintf(err, "quiltool db sample: --records takes a whole number from 5 to 100000000\n%s", usage);
+    if (text.empty() || *end || total < 5 || total > 10000000) {
+      std::fprintf(err, "quiltool db sample: --records takes a whole number from 5 to 10000000\n%s", usage);
       return 2;
     }
   }
