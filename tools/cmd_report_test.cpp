@@ -105,7 +105,9 @@ TEST_F(ReportCommand, FileHeldByAnotherUserGivesThreeNamesTheHolderAndWritesNoth
   EXPECT_EQ(3, r.code) << r.err;
   const std::wstring holder = FileSharingServiceManager::GetFileOwner(lockFile.c_str()).c_str();
   EXPECT_NE(std::wstring::npos, messages_.all.find(L"Locked: ")) << qt_test::Narrow(messages_.all);
-  if (!holder.empty()) EXPECT_NE(std::wstring::npos, messages_.all.find(holder));
+  if (!holder.empty()) {
+    EXPECT_NE(std::wstring::npos, messages_.all.find(L"Locked: " + holder)) << qt_test::Narrow(messages_.all);
+  }
   EXPECT_EQ("", qt_test::ReadFileBytes(xml));
 }
 
