@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   libsqlite3-dev libtinyxml2-dev googletest libbenchmark-dev libspdlog-dev libelf-dev
   g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth
-  dpkg-dev tcl xz-utils python3 locales
+  dpkg-dev tcl xz-utils python3 locales sqlite3
   clang libclang-rt-dev llvm
   libreoffice-calc-nogui gnumeric libxlsxwriter-dev
 )
