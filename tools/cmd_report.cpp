@@ -6,6 +6,8 @@
 // layout is restored from the registry, exports them under a progress
 // dialog, saves the layout and unlocks. Exit codes: 0 done, 1 failure with
 // a message, 2 bad arguments, 3 the file is held by another user.
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -58,11 +60,15 @@ struct Job {
   std::string message;
 };
 
-// Decimals of a floating cell: as many as its shortest text shows.
-int DecimalsOf(const ustr& text) {
-  const size_t dot = text.find(L'.');
-  if (dot == ustr::npos) return 0;
-  const size_t digits = text.size() - dot - 1;
+// Decimals of a floating value: as many as its shortest round-trip text
+// shows, at most 6 (more are the binary fraction's, not the data's).
+int DecimalsOf(double value) {
+  char text[64];
+  const std::to_chars_result r = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
+  if (r.ec != std::errc()) return 6;
+  const char* dot = std::find(text, r.ptr, '.');
+  if (dot == r.ptr) return 0;
+  const long digits = static_cast<long>(r.ptr - dot - 1);
   return digits > 6 ? 6 : static_cast<int>(digits);
 }
 
@@ -99,7 +105,7 @@ bool BuildReport(QnListView2& grid, const std::wstring& title, SimpleReport& rep
         case QnListView2::KindDouble: {
           double v = 0;
           grid.GetCell(r, c, v);
-          row.cells.push_back(SimpleReport::CellData::Double(v, DecimalsOf(grid.GetCellText(r, c))));
+          row.cells.push_back(SimpleReport::CellData::Double(v, DecimalsOf(v)));
           break;
         }
         case QnListView2::KindEmpty:
