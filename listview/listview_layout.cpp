@@ -103,8 +103,16 @@ CellParts SplitCell(const QnListView2Impl& m, int row, int column, const Box& ce
   if (c->check != QnListView2::CheckNone || (style & QnListView2::CellCheckBox)) {
     parts.check = true;
     const int half = metrics.checkSize / 2;
-    parts.checkBox = Box{x, midY - half, x + metrics.checkSize, midY - half + metrics.checkSize};
-    x += metrics.checkSize + metrics.gap;
+    // A box alone in its cell (a check column) follows the alignment.
+    int left = x;
+    if (column != 0 && metrics.bitmapWidth == 0 && c->shownText().empty()) {
+      const int a = EffectiveAlignment(m, row, column);
+      if (a & QnListView2::AlignHCenter) left = (cell.left + cell.right - metrics.checkSize) / 2;
+      else if (a & QnListView2::AlignRight) left = cell.right - metrics.gap - metrics.checkSize;
+      left = std::max(left, x);
+    }
+    parts.checkBox = Box{left, midY - half, left + metrics.checkSize, midY - half + metrics.checkSize};
+    x = left + metrics.checkSize + metrics.gap;
   }
   if (metrics.bitmapWidth > 0) {
     parts.bitmapBox = Box{x, cell.top, x + metrics.bitmapWidth, cell.bottom};

@@ -109,6 +109,17 @@ TEST_F(GridLayout, ACellSplitsIntoIndentExpanderCheckBitmapAndText) {
   EXPECT_EQ(parts.checkBox.right + 2, parts.bitmapBox.left);
   EXPECT_EQ(parts.bitmapBox.right + 2, parts.textBox.left);
 
+  // A check box alone in a centred cell sits in the middle.
+  view.SetCellCheck(2, 2, QnListView2::Unchecked);
+  view.SetColumnAlignment(2, QnListView2::AlignHCenter);
+  metrics.bitmapWidth = 0;
+  parts = qt::listview::SplitCell(m(), 2, 2, Box{300, 0, 361, 20}, metrics);
+  EXPECT_EQ(324, parts.checkBox.left);
+  view.SetCell(2, 2, ustr(L"on"));
+  parts = qt::listview::SplitCell(m(), 2, 2, Box{300, 0, 361, 20}, metrics);
+  EXPECT_EQ(302, parts.checkBox.left) << "with a text the box leads";
+  metrics.bitmapWidth = 10;
+
   // Other columns are not indented.
   parts = qt::listview::SplitCell(m(), 2, 1, Box{200, 0, 260, 20}, metrics);
   EXPECT_EQ(0, parts.depth);
