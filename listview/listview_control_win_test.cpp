@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "listview/listview_win_test_support.h"
+#include "testsupport/screenshot_win.h"
 
 namespace {
 
@@ -59,6 +60,13 @@ TEST_F(GridControl, AttachMirrorsTheModelAndSetsTheRowHeight) {
   const RECT row = host->CellRect(0, 0);
   EXPECT_EQ(26, row.bottom - row.top);
 
+  // A column the user widens in the header keeps its new width.
+  HDITEMW wider{};
+  wider.mask = HDI_WIDTH;
+  wider.cxy = 150;
+  SendMessageW(host->Header(), HDM_SETITEMW, 2, reinterpret_cast<LPARAM>(&wider));
+  EXPECT_EQ(150, view.GetColumnWidth(2));
+
   // Rows under a collapsed parent are not listed; expanding lists them.
   const int parent = 0;
   ASSERT_EQ(1, view.AddRow(11, parent));
@@ -106,10 +114,23 @@ TEST_F(GridControl, DoubleClickTypeEnterStoresAndTellsTheOwner) {
   EXPECT_EQ(1, host->Commands(kEditCommand));
 }
 
-TEST_F(GridControl, EditorShowsFloatingValuesWithTheCellsDecimals) {
+void Save(HWND window, const char* name, int margin = 0) {
+  if (qt_test::ScreenshotsWanted()) {
+    EXPECT_TRUE(qt_test::SaveWindowScreenshot(window, name, margin));
+  }
+}
+
+TEST_F(GridControl, ScreenshotOfTheEditorOverACellWithDecimals) {
   HWND edit = OpenEditor(1, 2);
   ASSERT_NE(nullptr, edit);
   EXPECT_EQ(L"2.500", qt_test::WindowText(edit));
+  RECT editRect;
+  GetWindowRect(edit, &editRect);
+  MapWindowPoints(nullptr, host->list, reinterpret_cast<POINT*>(&editRect), 2);
+  const RECT cell = host->CellRect(1, 2);
+  EXPECT_EQ(cell.top, editRect.top) << "the editor lies over its cell";
+  EXPECT_EQ(cell.left, editRect.left);
+  Save(host->window, "grid_open_editor");
   qt_test::TypeText(edit, L"7.125");
   qt_test::PressKey(edit, VK_RETURN);
   double value = 0;
@@ -142,7 +163,7 @@ TEST_F(GridControl, ReadOnlyCellsAndDoubleClickWithoutTheStyleNeverEdit) {
   EXPECT_NE(nullptr, host->Editor(L"EDIT"));
 }
 
-TEST_F(GridControl, OutOfRangeValueShowsTheBalloonAndKeepsTheOldValue) {
+TEST_F(GridControl, ScreenshotOfTheBalloonForAnOutOfRangeValue) {
   ValueValidator::Range range;
   range.lowerInt = 0;
   range.upperInt = 100;
@@ -163,6 +184,7 @@ TEST_F(GridControl, OutOfRangeValueShowsTheBalloonAndKeepsTheOldValue) {
   // read from the message that set them.
   EXPECT_EQ(L"Invalid value!", titles.title);
   EXPECT_EQ(TTI_ERROR_LARGE, titles.icon);
+  Save(host->window, "grid_validation_balloon", 120);
 
   // A value inside the range goes in; the note goes away.
   SendMessageW(edit, EM_SETSEL, 0, -1);
