@@ -208,8 +208,8 @@ void QnListView2ItemDraw::DrawCell(const DRAWITEMSTRUCT& item, int row, int colu
 }
 
 void QnListView2ItemDraw::DrawTree(int row, const Box& cell, const CellParts& parts) {
-  const int indent = parts.expanderBox.empty() ? std::max(8, std::min(16, cell.height())) : 0;
-  const int step = indent ? indent : std::max(8, std::min(16, cell.height()));
+  // The same step DrawCell laid the cell out with.
+  const int step = std::max(8, std::min(16, cell.height()));
   const int midY = (cell.top + cell.bottom) / 2;
   if (m_.style & QnListView2::DrawTreeLines) {
     const COLORREF color = GetSysColor(COLOR_GRAYTEXT);
