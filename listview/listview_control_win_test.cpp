@@ -350,6 +350,8 @@ TEST_F(GridControl, DetachLeavesTheControlAlone) {
   EXPECT_EQ(nullptr, host->Editor(L"EDIT"));
   EXPECT_FALSE(view.EditCell(1, 1));
   EXPECT_EQ(nullptr, GetPropW(host->list, L"QuilTool.QnListView2"));
+  EXPECT_EQ(0, GetWindowLongPtrW(host->list, GWL_STYLE) & LVS_OWNERDRAWFIXED) << "the control's own style is back";
+  EXPECT_EQ(0, host->ItemCount());
   // It can be bound again.
   EXPECT_TRUE(host->Attach());
   EXPECT_TRUE(view.EditCell(1, 1));

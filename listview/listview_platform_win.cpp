@@ -36,6 +36,8 @@ struct Control {
   bool closing = false;
   bool dirty = true;  // the model changed since the control last listed it
   int measuredHeight = -1;  // the row height the control last asked for
+  LONG_PTR originalStyle = 0;  // given back by Detach
+  DWORD originalExtendedStyle = 0;
 };
 
 namespace platform {
@@ -534,7 +536,9 @@ bool Attach(QnListView2Impl& m, HINSTANCE instance, HWND window) {
   }
   m.control = c.release();
   Control& control = *m.control;
-  LONG_PTR style = GetWindowLongPtrW(window, GWL_STYLE);
+  control.originalStyle = GetWindowLongPtrW(window, GWL_STYLE);
+  control.originalExtendedStyle = static_cast<DWORD>(SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
+  LONG_PTR style = control.originalStyle;
   style = (style & ~static_cast<LONG_PTR>(LVS_TYPEMASK | LVS_OWNERDATA)) | LVS_REPORT | LVS_OWNERDRAWFIXED | LVS_SHOWSELALWAYS;
   SetWindowLongPtrW(window, GWL_STYLE, style);
   ApplyViewStyle(control);
@@ -551,6 +555,13 @@ void Detach(QnListView2Impl& m) {
   RemoveWindowSubclass(c->list, ListProc, kListSubclass);
   RemoveWindowSubclass(c->owner, OwnerProc, reinterpret_cast<UINT_PTR>(c));
   RemovePropW(c->list, kModelProperty);
+  // The items were only places for the rows; without the grid nobody
+  // would draw them.
+  if (IsWindow(c->list)) {
+    SendMessageW(c->list, LVM_DELETEALLITEMS, 0, 0);
+    SetWindowLongPtrW(c->list, GWL_STYLE, c->originalStyle);
+    SendMessageW(c->list, LVM_SETEXTENDEDLISTVIEWSTYLE, static_cast<WPARAM>(-1), c->originalExtendedStyle);
+  }
   m.control = nullptr;
   delete c;
 }
