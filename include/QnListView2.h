@@ -9,13 +9,22 @@
 // nothing. Every `redraw` flag only asks for a repaint of the attached
 // control and has no effect without one.
 //
-// Not in this class yet:
-//  - the list control itself: Attach answers false on every target for now
-//    (binding to the platform list control comes with the drawing code),
-//    Detach does nothing, OnNotify and OnMeasureItem answer false and 0,
-//    EditCell answers false, Redraw/RedrawRow do nothing and
-//    GetHeaderItemIndexAt answers -1. All the model below works without a
-//    control.
+// The list control (Windows): Attach binds the model to a list-view
+// control of a dialog, which becomes an owner-drawn report view whose rows
+// and columns mirror the model; every change through this class shows in
+// the control without further calls. The owner forwards WM_NOTIFY to
+// OnNotify (header clicks sort when SetSortableHeader is on) and may
+// forward WM_MEASUREITEM to OnMeasureItem; drawing and the row height
+// are handled on the owner's behalf as well. Cells are edited in place
+// (EditCell, and the Edit... styles) with an edit field or, for a cell
+// with a selection list, a drop-down list; a value outside the column's
+// range is refused with a balloon note and the cell keeps its value; the
+// owner gets WM_COMMAND with the edit command after each change a user
+// makes. docs/grid.md describes what the user can do. Elsewhere there is
+// no control: Attach answers false and the model works on its own.
+//
+// Columns are hidden, shown, ordered and kept in the registry through the
+// grid's column manager (GetColumnManager, QNListViewColumnManager.h).
 #ifndef QUILTOOL_QNLISTVIEW2_H
 #define QUILTOOL_QNLISTVIEW2_H
 
@@ -132,11 +141,15 @@ class QT_API QnListView2 {
   QnListView2(const QnListView2&) = delete;
   QnListView2& operator=(const QnListView2&) = delete;
 
-  // Life. Binding to a list control is not available yet: false, and
-  // nothing changes.
+  // Life. Attach answers false for a window that is not a list-view
+  // control, one another grid holds, or one without a parent, and on
+  // targets without the control; binding again first lets the old one go.
+  // Detach gives the control back (destroying it does so too).
   bool Attach(HINSTANCE instance, HWND window);
   void Detach();
+  // True when the notification was the grid's and has been handled.
   bool OnNotify(WPARAM wParam, LPARAM lParam);
+  // Sets the record's height to the row height; TRUE.
   LRESULT OnMeasureItem(tagMEASUREITEMSTRUCT* item);
   void Redraw();
   void RedrawRow(int row);
@@ -188,6 +201,8 @@ class QT_API QnListView2 {
   bool LoadColumnsFromRegistry(const wchar_t* key, bool redraw = true);
   void SetSortableHeader(bool sortable);
   bool IsSortableHeader() const;
+  // The column whose header lies under the point (screen coordinates), -1
+  // when none or without a control.
   int GetHeaderItemIndexAt(POINT point) const;
 
   // Rows. A row added with a parent goes after the parent's last
@@ -354,11 +369,12 @@ class QT_API QnListView2 {
   int GetSelectedColumn() const;
   bool SetSelectedColumn(int column);
   bool SetSelectedCell(int row, int column);
-  // Expands the row's collapsed ancestors; the control scrolls once there is one.
+  // Expands the row's collapsed ancestors and scrolls the control to it.
   bool EnsureVisible(int row);
   bool EnsureVisible(int row, int column);
 
-  // Editing.
+  // Editing. EditCell opens the editor on a cell (false for a read-only,
+  // check-box, command or category cell, or without a control).
   bool EditCell(int row, int column);
   void SetEditCommand(int command);
   int GetEditCommand() const;

@@ -2,6 +2,7 @@
 
 #include "listview/column_layout.h"
 #include "listview/list_header_platform.h"
+#include "listview/listview_platform.h"
 #include "listview/qnlistview2_impl.h"
 
 namespace qt {
@@ -74,6 +75,16 @@ int GridColumnManager::HitTestHeader(POINT point) const {
 
 void GridColumnManager::Repaint() {
   if (HWND list = GetListWindow()) qt::list_header::platform::Repaint(list);
+}
+
+HWND GridColumnManager::GetListWindow() const {
+  HWND list = qt::listview::platform::ListWindow(grid_);
+  return list ? list : QNListViewColumnManager::GetListWindow();
+}
+
+void GridColumnManager::ControlAttached() {
+  HWND list = qt::listview::platform::ListWindow(grid_);
+  if (list && IsPermutation(order_, GetColumnCount())) qt::list_header::platform::SetColumnOrder(list, order_);
 }
 
 void GridColumnManager::ColumnShown(int column, bool shown) {

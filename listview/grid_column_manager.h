@@ -28,6 +28,10 @@ class GridColumnManager : public QNListViewColumnManager {
   int HitTestHeader(POINT point) const override;
   void Repaint() override;
   void ColumnShown(int column, bool shown) override;
+  // The grid's list control while one is bound.
+  HWND GetListWindow() const override;
+  // A control was just bound: it takes the order kept so far.
+  void ControlAttached();
 
  private:
   QnListView2Impl& grid_;

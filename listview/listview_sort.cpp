@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 
 #include "listview/qnlistview2_impl.h"
@@ -85,11 +86,15 @@ inline unsigned Upper(wchar_t c) {
   return static_cast<unsigned>(qn_charupper(c));
 }
 
-int CompareTexts(const std::wstring& a, const std::wstring& b) {
+inline int CompareTexts(const std::wstring& a, const std::wstring& b) {
   const size_t n = a.size() < b.size() ? a.size() : b.size();
+  const wchar_t* x = a.data();
+  const wchar_t* y = b.data();
   for (size_t i = 0; i < n; ++i) {
-    const unsigned x = Upper(a[i]), y = Upper(b[i]);
-    if (x != y) return x < y ? -1 : 1;
+    // Equal characters upper-case alike: only differing ones are converted.
+    if (x[i] == y[i]) continue;
+    const unsigned ux = Upper(x[i]), uy = Upper(y[i]);
+    if (ux != uy) return ux < uy ? -1 : 1;
   }
   return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
@@ -125,25 +130,48 @@ void ReadKey(const qt::listview::Cell& c, Key& key) {
 }
 
 // A row's keys copied beside its index, so that comparing two rows reads
-// one place in memory; used for up to three sort columns.
+// one place in memory; used for up to three sort columns. The classes sit
+// apart from the values so that three keys and the index fit 32 bytes.
 template <size_t N>
 struct Item {
-  Key keys[N];
+  union Value {
+    double number;
+    const std::wstring* text;
+  } value[N];
+  unsigned char cls[N];
   int row;
 };
+
+template <size_t N>
+inline int CompareItemKey(const Item<N>& a, const Item<N>& b, size_t k) {
+  if (a.cls[k] != b.cls[k]) return a.cls[k] < b.cls[k] ? -1 : 1;
+  if (a.cls[k] == Key::Number) {
+    const double x = a.value[k].number, y = b.value[k].number;
+    return x < y ? -1 : (y < x ? 1 : 0);
+  }
+  if (a.cls[k] == Key::Text) return CompareTexts(*a.value[k].text, *b.value[k].text);
+  return 0;
+}
 
 template <size_t N>
 void SortInline(std::vector<int>& group, const std::vector<Key>& keys, const std::vector<QnListView2::SortType>& dir) {
   std::vector<Item<N> > items(group.size());
   for (size_t i = 0; i < group.size(); ++i) {
     items[i].row = group[i];
-    for (size_t k = 0; k < N; ++k) items[i].keys[k] = keys[static_cast<size_t>(group[i]) * N + k];
+    for (size_t k = 0; k < N; ++k) {
+      const Key& key = keys[static_cast<size_t>(group[i]) * N + k];
+      items[i].cls[k] = static_cast<unsigned char>(key.cls);
+      if (key.cls == Key::Text) items[i].value[k].text = key.text;
+      else items[i].value[k].number = key.number;
+    }
   }
   bool descending[N];
   for (size_t k = 0; k < N; ++k) descending[k] = dir[k] == QnListView2::SortDescending;
+  // A merge sort: comparing rows (texts above all) costs more than moving
+  // the small items, and it compares less often than a quicksort.
   std::stable_sort(items.begin(), items.end(), [&](const Item<N>& a, const Item<N>& b) {
     for (size_t k = 0; k < N; ++k) {
-      const int c = CompareKeys(a.keys[k], b.keys[k]);
+      const int c = CompareItemKey(a, b, k);
       if (c != 0) return descending[k] ? c > 0 : c < 0;
     }
     return false;
@@ -215,16 +243,32 @@ bool QnListView2Impl::ReverseRows() {
   return true;
 }
 
+static_assert(std::is_nothrow_move_constructible<qt::listview::Row>::value &&
+                  std::is_nothrow_move_assignable<qt::listview::Row>::value,
+              "rows are reordered by moves that must not fail half-way");
+
 void QnListView2Impl::applyOrder(const std::vector<int>& order) {
-  // The selected cell follows its row to its new place.
-  std::vector<Row> arranged;
-  arranged.reserve(rows.size());
+  // The rows are moved in place along the permutation's cycles: each row
+  // moves once and no second row array is made. Moving a row cannot
+  // throw, so only the bookkeeping below can fail, before anything moved.
+  std::vector<char> placed(order.size(), 0);
   int newSelectedCellRow = -1;
   for (size_t i = 0; i < order.size(); ++i) {
     if (order[i] == selectedCellRow) newSelectedCellRow = static_cast<int>(i);
-    arranged.push_back(std::move(rows[static_cast<size_t>(order[i])]));
+    if (placed[i] || static_cast<size_t>(order[i]) == i) continue;
+    Row held(std::move(rows[i]));
+    size_t at = i;
+    for (;;) {
+      placed[at] = 1;
+      const size_t from = static_cast<size_t>(order[at]);
+      if (from == i) {
+        rows[at] = std::move(held);
+        break;
+      }
+      rows[at] = std::move(rows[from]);
+      at = from;
+    }
   }
-  rows.swap(arranged);
   selectedCellRow = newSelectedCellRow;
   rowsMoved();
 }

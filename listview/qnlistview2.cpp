@@ -8,6 +8,8 @@
 
 #include "core/boundary.h"
 #include "core/clipboard.h"
+#include "listview/listview_platform.h"
+#include "listview/grid_column_manager.h"
 #include "listview/qnlistview2_impl.h"
 
 namespace {
@@ -28,90 +30,119 @@ using qt::listview::CellExtra;
 
 bool ValidAlignment(int a) { return a >= 0 && a <= 63; }
 
+// Runs a change of the model, then has a bound control show it. The
+// control catches up lazily (on its next paint or call), so a fill of many
+// rows costs one resync, not one per row.
+template <class F>
+auto Changing(QnListView2Impl* impl, F&& body) -> decltype(body()) {
+  auto result = body();
+  if (impl && impl->control) qt::NoThrowVoid("QnListView2", [&] { qt::listview::platform::Refresh(*impl); });
+  return result;
+}
+template <class F>
+void ChangingVoid(QnListView2Impl* impl, F&& body) {
+  body();
+  if (impl && impl->control) qt::NoThrowVoid("QnListView2", [&] { qt::listview::platform::Refresh(*impl); });
+}
+
 }  // namespace
 
 #define QT_LV(fallback, ...) Guard(m_impl, "QnListView2", fallback, [&](QnListView2Impl & m) -> typename std::decay<decltype(fallback)>::type { __VA_ARGS__ })
 #define QT_LV_VOID(...) GuardVoid(m_impl, "QnListView2", [&](QnListView2Impl & m) { __VA_ARGS__ })
+#define QT_LV_CHANGE(fallback, ...) Changing(m_impl, [&] { return QT_LV(fallback, __VA_ARGS__); })
+#define QT_LV_VOID_CHANGE(...) ChangingVoid(m_impl, [&] { QT_LV_VOID(__VA_ARGS__); })
 
 QnListView2::QnListView2() : m_impl(nullptr) {
   m_impl = qt::NoThrow<QnListView2Impl*>("QnListView2", nullptr, [] { return new QnListView2Impl; });
 }
 
-QnListView2::~QnListView2() { delete m_impl; }
+QnListView2::~QnListView2() {
+  Detach();
+  delete m_impl;
+}
 
 // ---- life ----
-bool QnListView2::Attach(HINSTANCE, HWND) { return false; }
-void QnListView2::Detach() {}
-bool QnListView2::OnNotify(WPARAM, LPARAM) { return false; }
-LRESULT QnListView2::OnMeasureItem(tagMEASUREITEMSTRUCT*) { return 0; }
-void QnListView2::Redraw() {}
-void QnListView2::RedrawRow(int) {}
+bool QnListView2::Attach(HINSTANCE instance, HWND window) {
+  return QT_LV(false, if (!qt::listview::platform::Attach(m, instance, window)) return false;
+               static_cast<qt::listview::GridColumnManager&>(m.manager()).ControlAttached(); return true;);
+}
+void QnListView2::Detach() { QT_LV_VOID(qt::listview::platform::Detach(m);); }
+bool QnListView2::OnNotify(WPARAM wParam, LPARAM lParam) {
+  return QT_LV(false, if (qt::listview::platform::OnNotify(m, wParam, lParam)) return true;
+               // A right click on the header opens the column manager's menu.
+               LRESULT result = 0; return m.manager().OnNotify(wParam, lParam, &result););
+}
+LRESULT QnListView2::OnMeasureItem(tagMEASUREITEMSTRUCT* item) {
+  return QT_LV(LRESULT(0), return qt::listview::platform::OnMeasureItem(m, item););
+}
+void QnListView2::Redraw() { QT_LV_VOID(qt::listview::platform::Refresh(m);); }
+void QnListView2::RedrawRow(int row) { QT_LV_VOID(qt::listview::platform::RedrawRow(m, row);); }
 
 // ---- view ----
 bool QnListView2::SetStyle(int flags, int mask) {
-  return QT_LV(false, m.style = (m.style & ~mask) | (flags & mask); return true;);
+  return QT_LV_CHANGE(false, m.style = (m.style & ~mask) | (flags & mask); return true;);
 }
 int QnListView2::GetStyle() const { return QT_LV(0, return m.style;); }
 bool QnListView2::SetRowHeight(int pixels) {
-  return QT_LV(false, if (pixels < 1 || pixels > 1000) return false; m.rowHeight = pixels; return true;);
+  return QT_LV_CHANGE(false, if (pixels < 1 || pixels > 1000) return false; m.rowHeight = pixels; return true;);
 }
 int QnListView2::GetRowHeight() const { return QT_LV(0, return m.rowHeight;); }
 
 // ---- columns ----
 int QnListView2::AddColumn(const ustr& name, int width, int alignment, long long lParam) {
-  return QT_LV(-1, if (!ValidAlignment(alignment)) return -1;
+  return QT_LV_CHANGE(-1, if (!ValidAlignment(alignment)) return -1;
                const int at = m.InsertColumn(static_cast<int>(m.columns.size()), name, width, alignment, lParam);
                if (at >= 0) m.manager().OnColumnInserted(at); return at;);
 }
 int QnListView2::InsertColumn(int index, const ustr& name, int width, int alignment, long long lParam) {
-  return QT_LV(-1, if (!ValidAlignment(alignment)) return -1;
+  return QT_LV_CHANGE(-1, if (!ValidAlignment(alignment)) return -1;
                const int at = m.InsertColumn(index, name, width, alignment, lParam);
                if (at >= 0) m.manager().OnColumnInserted(at); return at;);
 }
 bool QnListView2::SetColumn(int column, const ustr& name, int width, int alignment, long long lParam) {
-  return QT_LV(false, if (!m.validColumn(column) || !ValidAlignment(alignment)) return false;
+  return QT_LV_CHANGE(false, if (!m.validColumn(column) || !ValidAlignment(alignment)) return false;
                ustr copy(name); QnListView2Impl::Column& c = m.columns[column]; c.name.str().swap(copy.str());
                c.width = width < 0 ? 0 : width; c.alignment = alignment; c.lParam = lParam; return true;);
 }
 bool QnListView2::DeleteColumn(int column) {
-  return QT_LV(false, if (!m.DeleteColumn(column)) return false; m.manager().OnColumnDeleted(column); return true;);
+  return QT_LV_CHANGE(false, if (!m.DeleteColumn(column)) return false; m.manager().OnColumnDeleted(column); return true;);
 }
 void QnListView2::DeleteAllColumns() {
-  QT_LV_VOID(for (int c = static_cast<int>(m.columns.size()) - 1; c >= 0; --c) m.manager().OnColumnDeleted(c);
-             m.DeleteAllColumns(););
+  QT_LV_VOID_CHANGE(for (int c = static_cast<int>(m.columns.size()) - 1; c >= 0; --c) m.manager().OnColumnDeleted(c);
+                    m.DeleteAllColumns(););
 }
 int QnListView2::GetColumnCount() const { return QT_LV(0, return static_cast<int>(m.columns.size());); }
 ustr QnListView2::GetColumnName(int column) const {
   return QT_LV(ustr(), return m.validColumn(column) ? m.columns[column].name : ustr(););
 }
 bool QnListView2::SetColumnName(int column, const ustr& name) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].name = name; return true;);
+  return QT_LV_CHANGE(false, if (!m.validColumn(column)) return false; m.columns[column].name = name; return true;);
 }
 int QnListView2::GetColumnWidth(int column) const {
   return QT_LV(-1, return m.validColumn(column) ? m.columns[column].width : -1;);
 }
 bool QnListView2::SetColumnWidth(int column, int width) {
-  return QT_LV(false, if (!m.validColumn(column) || width < 0) return false; m.columns[column].width = width; return true;);
+  return QT_LV_CHANGE(false, if (!m.validColumn(column) || width < 0) return false; m.columns[column].width = width; return true;);
 }
 int QnListView2::GetColumnAlignment(int column) const {
   return QT_LV(0, return m.validColumn(column) ? m.columns[column].alignment : 0;);
 }
 bool QnListView2::SetColumnAlignment(int column, int alignment) {
-  return QT_LV(false, if (!m.validColumn(column) || !ValidAlignment(alignment)) return false;
+  return QT_LV_CHANGE(false, if (!m.validColumn(column) || !ValidAlignment(alignment)) return false;
                m.columns[column].alignment = alignment; return true;);
 }
 int QnListView2::GetColumnStyle(int column) const {
   return QT_LV(0, return m.validColumn(column) ? m.columns[column].style : 0;);
 }
 bool QnListView2::SetColumnStyle(int column, int style, int mask) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; int& s = m.columns[column].style;
+  return QT_LV_CHANGE(false, if (!m.validColumn(column)) return false; int& s = m.columns[column].style;
                s = (s & ~mask) | (style & mask); return true;);
 }
 bool QnListView2::SetColumnForegroundColor(int column, COLORREF color) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].foreground = color; return true;);
+  return QT_LV_CHANGE(false, if (!m.validColumn(column)) return false; m.columns[column].foreground = color; return true;);
 }
 bool QnListView2::SetColumnBackgroundColor(int column, COLORREF color) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].background = color; return true;);
+  return QT_LV_CHANGE(false, if (!m.validColumn(column)) return false; m.columns[column].background = color; return true;);
 }
 COLORREF QnListView2::GetColumnForegroundColor(int column) const {
   return QT_LV(NoColor, return m.validColumn(column) ? m.columns[column].foreground : NoColor;);
@@ -120,7 +151,7 @@ COLORREF QnListView2::GetColumnBackgroundColor(int column) const {
   return QT_LV(NoColor, return m.validColumn(column) ? m.columns[column].background : NoColor;);
 }
 bool QnListView2::SetColumnFont(int column, HFONT font) {
-  return QT_LV(false, if (!m.validColumn(column)) return false; m.columns[column].font = font; return true;);
+  return QT_LV_CHANGE(false, if (!m.validColumn(column)) return false; m.columns[column].font = font; return true;);
 }
 HFONT QnListView2::GetColumnFont(int column) const {
   return QT_LV(HFONT(), return m.validColumn(column) ? m.columns[column].font : HFONT(););
@@ -140,7 +171,7 @@ int QnListView2::FindColumnIndex(long long lParam) const {
                return -1;);
 }
 bool QnListView2::ShowHideColumn(int column, bool show, bool redraw) {
-  return QT_LV(false, return m.manager().ShowHideColumn(column, show, redraw););
+  return QT_LV_CHANGE(false, return m.manager().ShowHideColumn(column, show, redraw););
 }
 bool QnListView2::IsColumnShown(int column) const {
   return QT_LV(false, return m.validColumn(column) && m.columns[column].shown;);
@@ -176,28 +207,30 @@ bool QnListView2::LoadColumnsFromRegistry(const wchar_t* key, bool redraw) {
 int QnListView2::GetColumnManagerFlags() const { return QT_LV(0, return m.columnManagerFlags;); }
 void QnListView2::SetSortableHeader(bool sortable) { QT_LV_VOID(m.sortableHeader = sortable;); }
 bool QnListView2::IsSortableHeader() const { return QT_LV(false, return m.sortableHeader;); }
-int QnListView2::GetHeaderItemIndexAt(POINT) const { return -1; }
+int QnListView2::GetHeaderItemIndexAt(POINT point) const {
+  return QT_LV(-1, return qt::listview::platform::HeaderItemAt(m, point););
+}
 
 // ---- rows ----
 int QnListView2::AddRow(long long lParam, int parentRow, int style) {
-  return QT_LV(-1, return m.AddRow(lParam, parentRow, style, false, nullptr););
+  return QT_LV_CHANGE(-1, return m.AddRow(lParam, parentRow, style, false, nullptr););
 }
 int QnListView2::InsertRow(int index, long long lParam, int parentRow, int style) {
-  return QT_LV(-1, return m.InsertRow(index, lParam, parentRow, style, false, nullptr););
+  return QT_LV_CHANGE(-1, return m.InsertRow(index, lParam, parentRow, style, false, nullptr););
 }
 int QnListView2::AddCategoryRow(long long lParam, int style, const ustr& text) {
-  return QT_LV(-1, return m.AddRow(lParam, -1, style, true, &text););
+  return QT_LV_CHANGE(-1, return m.AddRow(lParam, -1, style, true, &text););
 }
 int QnListView2::InsertCategoryRow(int index, long long lParam, int style, const ustr& text) {
-  return QT_LV(-1, return m.InsertRow(index, lParam, -1, style, true, &text););
+  return QT_LV_CHANGE(-1, return m.InsertRow(index, lParam, -1, style, true, &text););
 }
 bool QnListView2::IsCategoryRow(int row) const { return QT_LV(false, return m.validRow(row) && m.rows[row].category;); }
 bool QnListView2::DeleteRow(int row, long long lParam) {
-  return QT_LV(false, if (row == -1) row = m.FindRowIndex(0, lParam); if (!m.validRow(row)) return false;
+  return QT_LV_CHANGE(false, if (row == -1) row = m.FindRowIndex(0, lParam); if (!m.validRow(row)) return false;
                std::vector<char> marked(m.rows.size(), 0); marked[row] = 1; return m.DeleteMarked(marked) > 0;);
 }
 int QnListView2::DeleteRows(const std::vector<int>* rows, const std::vector<long long>* lParams) {
-  return QT_LV(0, std::vector<char> marked(m.rows.size(), 0);
+  return QT_LV_CHANGE(0, std::vector<char> marked(m.rows.size(), 0);
                if (rows) for (int r : *rows) if (m.validRow(r)) marked[r] = 1;
                if (lParams) {
                  const std::unordered_set<long long> wanted(lParams->begin(), lParams->end());
@@ -207,22 +240,22 @@ int QnListView2::DeleteRows(const std::vector<int>* rows, const std::vector<long
                return m.DeleteMarked(marked););
 }
 int QnListView2::DeleteRowsByTags(const std::vector<ustr>& tags) {
-  return QT_LV(0, std::vector<char> marked(m.rows.size(), 0);
+  return QT_LV_CHANGE(0, std::vector<char> marked(m.rows.size(), 0);
                for (const ustr& t : tags) for (int r = m.FindRowIndexByTag(0, t.str()); r >= 0; r = m.FindRowIndexByTag(r + 1, t.str())) marked[r] = 1;
                return m.DeleteMarked(marked););
 }
 int QnListView2::DeleteRowsByTags(const std::vector<astr>& tags) {
-  return QT_LV(0, std::vector<ustr> wide; wide.reserve(tags.size());
+  return QT_LV_CHANGE(0, std::vector<ustr> wide; wide.reserve(tags.size());
                for (const astr& t : tags) wide.push_back(ustr::fromAnsi(t.c_str()));
                return DeleteRowsByTags(wide););
 }
-void QnListView2::DeleteAllRows() { QT_LV_VOID(m.DeleteAllRows();); }
-int QnListView2::DeleteEmptyCategoryRows() { return QT_LV(0, return m.DeleteEmptyCategoryRows();); }
-bool QnListView2::ReverseRows() { return QT_LV(false, return m.ReverseRows();); }
+void QnListView2::DeleteAllRows() { QT_LV_VOID_CHANGE(m.DeleteAllRows();); }
+int QnListView2::DeleteEmptyCategoryRows() { return QT_LV_CHANGE(0, return m.DeleteEmptyCategoryRows();); }
+bool QnListView2::ReverseRows() { return QT_LV_CHANGE(false, return m.ReverseRows();); }
 int QnListView2::GetRowCount() const { return QT_LV(0, return static_cast<int>(m.rows.size());); }
 int QnListView2::GetRowStyle(int row) const { return QT_LV(0, return m.validRow(row) ? m.rows[row].style : 0;); }
 bool QnListView2::SetRowStyle(int row, int style, int mask) {
-  return QT_LV(false, if (!m.validRow(row)) return false; int& s = m.rows[row].style; s = (s & ~mask) | (style & mask); return true;);
+  return QT_LV_CHANGE(false, if (!m.validRow(row)) return false; int& s = m.rows[row].style; s = (s & ~mask) | (style & mask); return true;);
 }
 int QnListView2::FindRowIndex(long long lParam) const { return QT_LV(-1, return m.FindRowIndex(0, lParam);); }
 int QnListView2::FindRowIndex(int startRow, long long lParam) const {
@@ -258,15 +291,15 @@ std::vector<astr> QnListView2::GetRowsTagsA() const {
 }
 bool QnListView2::SetRowId(int row, long long rowId) { return QT_LV(false, return m.SetRowId(row, rowId);); }
 long long QnListView2::GetRowId(int row) const { return QT_LV(-1LL, return m.validRow(row) ? m.rows[row].id : -1LL;); }
-bool QnListView2::SetRowParentId(int row, long long parentId) { return QT_LV(false, return m.SetRowParentId(row, parentId);); }
+bool QnListView2::SetRowParentId(int row, long long parentId) { return QT_LV_CHANGE(false, return m.SetRowParentId(row, parentId);); }
 long long QnListView2::GetRowParentId(int row) const {
   return QT_LV(-1LL, return m.validRow(row) ? m.rows[row].parentId : -1LL;);
 }
 bool QnListView2::SetRowForegroundColor(int row, COLORREF color) {
-  return QT_LV(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().foreground = color; return true;);
+  return QT_LV_CHANGE(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().foreground = color; return true;);
 }
 bool QnListView2::SetRowBackgroundColor(int row, COLORREF color) {
-  return QT_LV(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().background = color; return true;);
+  return QT_LV_CHANGE(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().background = color; return true;);
 }
 COLORREF QnListView2::GetRowForegroundColor(int row) const {
   return QT_LV(NoColor, return m.validRow(row) && m.rows[row].extra ? m.rows[row].extra->foreground : NoColor;);
@@ -275,7 +308,7 @@ COLORREF QnListView2::GetRowBackgroundColor(int row) const {
   return QT_LV(NoColor, return m.validRow(row) && m.rows[row].extra ? m.rows[row].extra->background : NoColor;);
 }
 bool QnListView2::SetRowFont(int row, HFONT font) {
-  return QT_LV(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().font = font; return true;);
+  return QT_LV_CHANGE(false, if (!m.validRow(row)) return false; m.rows[row].extraBlock().font = font; return true;);
 }
 HFONT QnListView2::GetRowFont(int row) const {
   return QT_LV(HFONT(), return m.validRow(row) && m.rows[row].extra ? m.rows[row].extra->font : HFONT(););
@@ -291,15 +324,15 @@ int QnListView2::GetNextSiblingRow(int row) const { return QT_LV(-1, return m.Ge
 int QnListView2::GetPrevSiblingRow(int row) const { return QT_LV(-1, return m.GetSiblingRow(row, -1);); }
 bool QnListView2::IsCollapsed(int row) const { return QT_LV(false, return m.validRow(row) && m.rows[row].collapsed;); }
 bool QnListView2::SetCollapsed(int row, bool collapsed) {
-  return QT_LV(false, if (!m.validRow(row)) return false; m.rows[row].collapsed = collapsed; return true;);
+  return QT_LV_CHANGE(false, if (!m.validRow(row)) return false; m.rows[row].collapsed = collapsed; return true;);
 }
-bool QnListView2::CollapseRowsToRoot(int row, bool collapsed) { return QT_LV(false, return m.CollapseRowsToRoot(row, collapsed);); }
+bool QnListView2::CollapseRowsToRoot(int row, bool collapsed) { return QT_LV_CHANGE(false, return m.CollapseRowsToRoot(row, collapsed);); }
 std::set<long long> QnListView2::GetCollapsedRowIds() const {
   return QT_LV(std::set<long long>(), std::set<long long> ids; for (const auto& r : m.rows) if (r.collapsed) ids.insert(r.id);
                return ids;);
 }
 void QnListView2::SetCollapsedRowIds(const std::set<long long>& rowIds, bool expandOthers) {
-  QT_LV_VOID(for (auto& r : m.rows) {
+  QT_LV_VOID_CHANGE(for (auto& r : m.rows) {
     if (rowIds.count(r.id)) r.collapsed = true;
     else if (expandOthers) r.collapsed = false;
   });
@@ -332,30 +365,30 @@ bool Write(QnListView2Impl& m, int row, int column, const QnVariant& value, int 
 }  // namespace
 
 bool QnListView2::SetCell(int row, int column, const ustr& text, int textData, bool) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c) return false;
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c) return false;
                if (textData != 0) c->extraBlock().textData = textData;
                if (!Write(m, row, column, QnVariant(text))) return false;
                if (c->extra) c->extra->textData = textData; return true;);
 }
-bool QnListView2::SetCell(int row, int column, short value, bool) { return QT_LV(false, return Write(m, row, column, QnVariant(value));); }
-bool QnListView2::SetCell(int row, int column, int value, bool) { return QT_LV(false, return Write(m, row, column, QnVariant(value));); }
+bool QnListView2::SetCell(int row, int column, short value, bool) { return QT_LV_CHANGE(false, return Write(m, row, column, QnVariant(value));); }
+bool QnListView2::SetCell(int row, int column, int value, bool) { return QT_LV_CHANGE(false, return Write(m, row, column, QnVariant(value));); }
 bool QnListView2::SetCell(int row, int column, unsigned int value, bool) {
-  return QT_LV(false, return Write(m, row, column, QnVariant(value)););
+  return QT_LV_CHANGE(false, return Write(m, row, column, QnVariant(value)););
 }
 bool QnListView2::SetCell(int row, int column, float value, int decimals, bool) {
-  return QT_LV(false, if (decimals < -1) return false; return Write(m, row, column, QnVariant(value), decimals););
+  return QT_LV_CHANGE(false, if (decimals < -1) return false; return Write(m, row, column, QnVariant(value), decimals););
 }
 bool QnListView2::SetCell(int row, int column, double value, int decimals, bool) {
-  return QT_LV(false, if (decimals < -1) return false; return Write(m, row, column, QnVariant(value), decimals););
+  return QT_LV_CHANGE(false, if (decimals < -1) return false; return Write(m, row, column, QnVariant(value), decimals););
 }
 bool QnListView2::SetCell(int row, int column, ColorIndex color, bool) {
-  return QT_LV(false, return Write(m, row, column, QnVariant::fromColorIndex(color.index)););
+  return QT_LV_CHANGE(false, return Write(m, row, column, QnVariant::fromColorIndex(color.index)););
 }
 bool QnListView2::SetCell(int row, int column, const gm_model* model, bool) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c) return false; c->setModel(model); return true;);
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c) return false; c->setModel(model); return true;);
 }
 bool QnListView2::SetCell(int row, int column, const QnVariant& value, bool) {
-  return QT_LV(false, return Write(m, row, column, value););
+  return QT_LV_CHANGE(false, return Write(m, row, column, value););
 }
 bool QnListView2::GetCell(int row, int column, ustr& text) const {
   return QT_LV(false, const Cell* c = m.cell(row, column); if (!c) return false; text = c->shownText(); return true;);
@@ -396,14 +429,14 @@ int QnListView2::GetCellKind(int row, int column) const {
   return QT_LV(-1, const Cell* c = m.cell(row, column); return c ? static_cast<int>(c->kind) : -1;);
 }
 bool QnListView2::ResetCellValue(int row, int column, bool) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c) return false; c->clearValue();
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c) return false; c->clearValue();
                if (c->extra) c->extra->hasSelection = false; return true;);
 }
 int QnListView2::GetCellStyle(int row, int column) const {
   return QT_LV(0, const Cell* c = m.cell(row, column); return c ? c->style : 0;);
 }
 bool QnListView2::SetCellStyle(int row, int column, int style, int mask) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c) return false; c->style = (c->style & ~mask) | (style & mask);
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c) return false; c->style = (c->style & ~mask) | (style & mask);
                return true;);
 }
 int QnListView2::GetCellAlignment(int row, int column) const {
@@ -411,14 +444,14 @@ int QnListView2::GetCellAlignment(int row, int column) const {
                return c->alignment ? static_cast<int>(c->alignment) : m.columns[column].alignment;);
 }
 bool QnListView2::SetCellAlignment(int row, int column, int alignment) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c || !ValidAlignment(alignment)) return false;
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c || !ValidAlignment(alignment)) return false;
                c->alignment = static_cast<uint8_t>(alignment); return true;);
 }
 int QnListView2::GetCellCheck(int row, int column) const {
   return QT_LV(-1, const Cell* c = m.cell(row, column); return c ? static_cast<int>(c->check) : -1;);
 }
 bool QnListView2::SetCellCheck(int row, int column, int value, bool) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c || value < CheckNone || value > CheckMixed) return false;
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c || value < CheckNone || value > CheckMixed) return false;
                c->check = static_cast<uint8_t>(value); return true;);
 }
 std::vector<long long> QnListView2::GetCheckedRowsLParams(int column, int value) const {
@@ -426,29 +459,31 @@ std::vector<long long> QnListView2::GetCheckedRowsLParams(int column, int value)
                for (const auto& r : m.rows) if (r.cells[column].check == value) out.push_back(r.lParam); return out;);
 }
 bool QnListView2::SetCheckedRowsLParams(int column, const std::vector<long long>& lParams) {
-  return QT_LV(false, return m.SetCheckedRowsLParams(column, lParams););
+  return QT_LV_CHANGE(false, return m.SetCheckedRowsLParams(column, lParams););
 }
-bool QnListView2::Update3StateCheck(int row, int column) { return QT_LV(false, return m.Update3StateCheck(row, column);); }
+bool QnListView2::Update3StateCheck(int row, int column) { return QT_LV_CHANGE(false, return m.Update3StateCheck(row, column);); }
 
 #define QT_LV_CELL_SET(body) \
   QT_LV(false, Cell* c = m.cell(row, column); if (!c) return false; body; return true;)
+#define QT_LV_CELL_SET_CHANGE(body) \
+  QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c) return false; body; return true;)
 #define QT_LV_CELL_GET(fallback, expr) \
   QT_LV(fallback, const Cell* c = m.cell(row, column); return c && c->extra ? (expr) : (fallback);)
 
-bool QnListView2::SetCellBitmap(int row, int column, void* bitmap, bool) { return QT_LV_CELL_SET(c->extraBlock().bitmap = bitmap); }
+bool QnListView2::SetCellBitmap(int row, int column, void* bitmap, bool) { return QT_LV_CELL_SET_CHANGE(c->extraBlock().bitmap = bitmap); }
 void* QnListView2::GetCellBitmap(int row, int column) const {
   return QT_LV_CELL_GET(static_cast<void*>(nullptr), c->extra->bitmap);
 }
 bool QnListView2::SetCellCommand(int row, int column, int command, void* bitmap, bool) {
-  return QT_LV_CELL_SET(CellExtra& e = c->extraBlock(); e.command = command; e.bitmap = bitmap;
+  return QT_LV_CELL_SET_CHANGE(CellExtra& e = c->extraBlock(); e.command = command; e.bitmap = bitmap;
                         c->style = command ? (c->style | CellButton) : (c->style & ~CellButton));
 }
 int QnListView2::GetCellCommand(int row, int column) const { return QT_LV_CELL_GET(0, c->extra->command); }
 bool QnListView2::SetCellColSpan(int row, int column, int span) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c || span < 1) return false; c->extraBlock().colSpan = span; return true;);
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c || span < 1) return false; c->extraBlock().colSpan = span; return true;);
 }
 bool QnListView2::SetCellRowSpan(int row, int column, int span) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c || span < 1) return false; c->extraBlock().rowSpan = span; return true;);
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c || span < 1) return false; c->extraBlock().rowSpan = span; return true;);
 }
 int QnListView2::GetCellColSpan(int row, int column) const {
   return QT_LV(0, const Cell* c = m.cell(row, column); return !c ? 0 : c->extra ? c->extra->colSpan : 1;);
@@ -457,17 +492,17 @@ int QnListView2::GetCellRowSpan(int row, int column) const {
   return QT_LV(0, const Cell* c = m.cell(row, column); return !c ? 0 : c->extra ? c->extra->rowSpan : 1;);
 }
 bool QnListView2::SetCellRounding(int row, int column, int decimals) {
-  return QT_LV(false, Cell* c = m.cell(row, column); if (!c || decimals < -1 || decimals > 15) return false;
+  return QT_LV_CHANGE(false, Cell* c = m.cell(row, column); if (!c || decimals < -1 || decimals > 15) return false;
                c->decimals = static_cast<int8_t>(decimals); return true;);
 }
 int QnListView2::GetCellRounding(int row, int column) const {
   return QT_LV(-1, const Cell* c = m.cell(row, column); return c ? static_cast<int>(c->decimals) : -1;);
 }
 bool QnListView2::SetCellForegroundColor(int row, int column, COLORREF color) {
-  return QT_LV_CELL_SET(c->extraBlock().foreground = color);
+  return QT_LV_CELL_SET_CHANGE(c->extraBlock().foreground = color);
 }
 bool QnListView2::SetCellBackgroundColor(int row, int column, COLORREF color) {
-  return QT_LV_CELL_SET(c->extraBlock().background = color);
+  return QT_LV_CELL_SET_CHANGE(c->extraBlock().background = color);
 }
 COLORREF QnListView2::GetCellForegroundColor(int row, int column) const {
   return QT_LV_CELL_GET(NoColor, c->extra->foreground);
@@ -476,7 +511,7 @@ COLORREF QnListView2::GetCellBackgroundColor(int row, int column) const {
   return QT_LV_CELL_GET(NoColor, c->extra->background);
 }
 bool QnListView2::SetCellBorder(int row, int column, const CellBorder& border) {
-  return QT_LV_CELL_SET(CellExtra& e = c->extraBlock(); e.border = border; e.hasBorder = true);
+  return QT_LV_CELL_SET_CHANGE(CellExtra& e = c->extraBlock(); e.border = border; e.hasBorder = true);
 }
 bool QnListView2::GetCellBorder(int row, int column, CellBorder& border) const {
   return QT_LV(false, const Cell* c = m.cell(row, column); if (!c || !c->extra || !c->extra->hasBorder) return false;
@@ -486,7 +521,7 @@ bool QnListView2::SetCellToolTip(int row, int column, const ustr& text) {
   return QT_LV_CELL_SET(ustr copy(text); c->extraBlock().toolTip.str().swap(copy.str()));
 }
 ustr QnListView2::GetCellToolTip(int row, int column) const { return QT_LV_CELL_GET(ustr(), c->extra->toolTip); }
-bool QnListView2::SetCellFont(int row, int column, HFONT font) { return QT_LV_CELL_SET(c->extraBlock().font = font); }
+bool QnListView2::SetCellFont(int row, int column, HFONT font) { return QT_LV_CELL_SET_CHANGE(c->extraBlock().font = font); }
 HFONT QnListView2::GetCellFont(int row, int column) const { return QT_LV_CELL_GET(HFONT(), c->extra->font); }
 bool QnListView2::SetCellLParam(int row, int column, long long lParam) {
   return QT_LV_CELL_SET(c->extraBlock().lParam = lParam);
@@ -506,15 +541,15 @@ bool QnListView2::GetCellSelectionList(int row, int column, SelectionList& list)
                list = *found; return true;);
 }
 bool QnListView2::SetCellSelection(int row, int column, long long value) {
-  return QT_LV(false, return m.SetSelection(row, column, value););
+  return QT_LV_CHANGE(false, return m.SetSelection(row, column, value););
 }
 bool QnListView2::GetCellSelection(int row, int column, long long& value) const {
   return QT_LV(false, const Cell* c = m.cell(row, column); if (!c || !c->extra || !c->extra->hasSelection) return false;
                value = c->extra->selection; return true;);
 }
-bool QnListView2::SetSelectedString(int column, const ustr& text) { return QT_LV(false, return m.SetSelectedString(column, text);); }
+bool QnListView2::SetSelectedString(int column, const ustr& text) { return QT_LV_CHANGE(false, return m.SetSelectedString(column, text);); }
 bool QnListView2::SetCellDrawFunction(int row, int column, CellDrawFunc function) {
-  return QT_LV_CELL_SET(c->extraBlock().draw = function);
+  return QT_LV_CELL_SET_CHANGE(c->extraBlock().draw = function);
 }
 QnListView2::CellDrawFunc QnListView2::GetCellDrawFunction(int row, int column) const {
   return QT_LV_CELL_GET(CellDrawFunc(), c->extra->draw);
@@ -525,9 +560,9 @@ std::vector<int> QnListView2::GetSelectedRows() const {
   return QT_LV(std::vector<int>(), std::vector<int> out;
                for (size_t i = 0; i < m.rows.size(); ++i) if (m.rows[i].selected) out.push_back(static_cast<int>(i)); return out;);
 }
-bool QnListView2::SetSelectedRows(const std::vector<int>& rows) { return QT_LV(false, return m.SetSelectedRows(rows);); }
+bool QnListView2::SetSelectedRows(const std::vector<int>& rows) { return QT_LV_CHANGE(false, return m.SetSelectedRows(rows);); }
 bool QnListView2::SetSelectedRows2(std::vector<int>& rows) {
-  return QT_LV(false, std::vector<int> kept; kept.reserve(rows.size());
+  return QT_LV_CHANGE(false, std::vector<int> kept; kept.reserve(rows.size());
                for (int r : rows) if (m.validRow(r)) kept.push_back(r);
                std::sort(kept.begin(), kept.end()); kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
                if (!m.SetSelectedRows(kept)) return false; rows.swap(kept); return true;);
@@ -537,7 +572,7 @@ std::vector<long long> QnListView2::GetSelectedRowsLParams() const {
                return out;);
 }
 bool QnListView2::SetSelectedRowsLParams(const std::vector<long long>& lParams) {
-  return QT_LV(false, const std::unordered_set<long long> wanted(lParams.begin(), lParams.end());
+  return QT_LV_CHANGE(false, const std::unordered_set<long long> wanted(lParams.begin(), lParams.end());
                for (auto& r : m.rows) r.selected = wanted.count(r.lParam) != 0; return true;);
 }
 std::vector<ustr> QnListView2::GetSelectedRowsTagsW() const {
@@ -549,19 +584,25 @@ std::vector<astr> QnListView2::GetSelectedRowsTagsA() const {
 }
 int QnListView2::GetSelectedColumn() const { return QT_LV(-1, return m.selectedColumn;); }
 bool QnListView2::SetSelectedColumn(int column) {
-  return QT_LV(false, if (column != -1 && !m.validColumn(column)) return false; m.selectedColumn = column; return true;);
+  return QT_LV_CHANGE(false, if (column != -1 && !m.validColumn(column)) return false; m.selectedColumn = column; return true;);
 }
 bool QnListView2::SetSelectedCell(int row, int column) {
-  return QT_LV(false, if (!m.validCell(row, column)) return false; std::vector<int> one(1, row);
+  return QT_LV_CHANGE(false, if (!m.validCell(row, column)) return false; std::vector<int> one(1, row);
                if (!m.SetSelectedRows(one)) return false; m.selectedCellRow = row; m.selectedColumn = column; return true;);
 }
-bool QnListView2::EnsureVisible(int row) { return QT_LV(false, return m.EnsureVisible(row);); }
+bool QnListView2::EnsureVisible(int row) {
+  return QT_LV(false, if (!m.EnsureVisible(row)) return false; qt::listview::platform::Refresh(m);
+               qt::listview::platform::ScrollTo(m, row, -1); return true;);
+}
 bool QnListView2::EnsureVisible(int row, int column) {
-  return QT_LV(false, if (!m.validColumn(column) || !m.EnsureVisible(row)) return false; m.ensuredColumn = column; return true;);
+  return QT_LV(false, if (!m.validColumn(column) || !m.EnsureVisible(row)) return false; m.ensuredColumn = column;
+               qt::listview::platform::Refresh(m); qt::listview::platform::ScrollTo(m, row, column); return true;);
 }
 
 // ---- editing ----
-bool QnListView2::EditCell(int, int) { return false; }
+bool QnListView2::EditCell(int row, int column) {
+  return QT_LV(false, return qt::listview::platform::EditCell(m, row, column););
+}
 void QnListView2::SetEditCommand(int command) { QT_LV_VOID(m.editCommand = command;); }
 int QnListView2::GetEditCommand() const { return QT_LV(0, return m.editCommand;); }
 bool QnListView2::SetColumnValueValidator(int column, const ValueValidator::Range& range) {
@@ -591,16 +632,16 @@ std::vector<int> QnListView2::GetSortColumns() const { return QT_LV(std::vector<
 QnListView2::SortType QnListView2::GetSortType() const {
   return QT_LV(SortAscending, return m.sortTypes.empty() ? SortAscending : m.sortTypes[0];);
 }
-bool QnListView2::SortRows() { return QT_LV(false, return m.Sort(m.sortTypes, m.sortColumns, m.rowIsLess);); }
+bool QnListView2::SortRows() { return QT_LV_CHANGE(false, return m.Sort(m.sortTypes, m.sortColumns, m.rowIsLess);); }
 bool QnListView2::SortRows(SortType type, int column) {
-  return QT_LV(false, return SortRows(std::vector<SortType>(1, type), std::vector<int>(1, column)););
+  return QT_LV_CHANGE(false, return SortRows(std::vector<SortType>(1, type), std::vector<int>(1, column)););
 }
 bool QnListView2::SortRows(const std::vector<SortType>& types, const std::vector<int>& columns) {
-  return QT_LV(false, std::vector<int> c(columns); std::vector<SortType> t(types);
+  return QT_LV_CHANGE(false, std::vector<int> c(columns); std::vector<SortType> t(types);
                if (!m.Sort(t, c, m.rowIsLess)) return false; m.sortColumns.swap(c); m.sortTypes.swap(t); return true;);
 }
 bool QnListView2::SortRows(RowIsLessFunc function, int column) {
-  return QT_LV(false, if (!function) return false;
+  return QT_LV_CHANGE(false, if (!function) return false;
                const SortType type = m.sortTypes.empty() ? SortAscending : m.sortTypes[0];
                std::vector<int> c(1, column); std::vector<SortType> t(1, type);
                if (!m.Sort(t, c, function)) return false; m.sortColumns.swap(c); m.sortTypes.swap(t); return true;);

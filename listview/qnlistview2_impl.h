@@ -26,6 +26,7 @@ namespace qt {
 namespace listview {
 
 typedef QnListView2::SelectionList SelectionList;
+struct Control;
 
 struct CellExtra {
   int textData = 0;
@@ -142,6 +143,8 @@ class QnListView2Impl {
   std::vector<SortType> sortTypes;
   // Rows may not grow past this; tests lower it to reach the limit.
   size_t maxRows;
+  // The bound list control, null when none (listview_platform.h).
+  qt::listview::Control* control = nullptr;
 
   std::vector<Column> columns;
   std::vector<Row> rows;
