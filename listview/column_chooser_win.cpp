@@ -55,11 +55,15 @@ class TemplateWriter {
 
 void Fill(Chooser& c) {
   QnListView2& g = c.grid;
-  g.AddColumn(L"Show", 40, QnListView2::AlignHCenter);
+  g.AddColumn(L"Show", 50);
   g.AddColumn(L"Name", 150);
   g.AddColumn(L"Width", 60, QnListView2::AlignRight);
   g.SetColumnStyle(0, QnListView2::CellCheckBox, QnListView2::CellCheckBox);
   g.SetColumnStyle(1, QnListView2::CellReadOnly, QnListView2::CellReadOnly);
+  // Widths are typed in place; leaving the field keeps what was typed.
+  const int editing = QnListView2::EditOnDoubleClick | QnListView2::EditOnTyping | QnListView2::AlwaysSave |
+                      QnListView2::EditNextRowOnEnter | QnListView2::FullRowSelect;
+  g.SetStyle(editing, editing);
   for (const QnColumnChoice& choice : *c.choices) {
     const int row = g.AddRow(choice.column);
     g.SetCellCheck(row, 0, choice.shown ? QnListView2::Checked : QnListView2::Unchecked, false);

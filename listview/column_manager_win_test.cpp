@@ -10,6 +10,8 @@
 #include <thread>
 
 #include "QNListViewColumnManager.h"
+#include "QnListView2.h"
+#include "listview/listview_win_test_support.h"
 #include "qt_test_win.h"
 #include "screenshot_win.h"
 #include "settings/reg_test_util.h"
@@ -205,6 +207,111 @@ TEST_F(RealHeaderMenu, ScreenshotOfTheHeaderMenuOverAList) {
   // Dismissed: nothing changed.
   EXPECT_FALSE(w.manager.IsColumnHidden(0));
   EXPECT_EQ(100, w.Width(0));
+}
+
+// A grid of three columns with LParams 1..3 and two rows.
+void FillGrid(QnListView2& view) {
+  view.AddColumn(L"Name", 140, QnListView2::AlignDefault, 1);
+  view.AddColumn(L"Flow [l/s]", 90, QnListView2::AlignRight, 2);
+  view.AddColumn(L"Size", 80, QnListView2::AlignRight, 3);
+  for (int r = 0; r < 2; ++r) {
+    view.AddRow(r);
+    view.SetCell(r, 0, ustr(r ? L"AHU 2" : L"AHU 1"));
+    view.SetCell(r, 1, 1250.5 + r, 2);
+    view.SetCell(r, 2, 400 + 100 * r);
+  }
+}
+
+// Waits for the "Choose columns" dialog, takes its picture, unchecks the
+// row of the named column by clicking its check box and presses OK.
+std::thread UncheckInChooser(int row, std::atomic<bool>* done) {
+  return std::thread([=] {
+    for (int i = 0; i < 200; ++i) {
+      HWND dialog = qt_test::FindOwnWindow(L"#32770", L"Choose columns");
+      if (!dialog || !IsWindowVisible(dialog)) {
+        Sleep(25);
+        continue;
+      }
+      Sleep(300);
+      HWND list = GetDlgItem(dialog, 100);
+      if (qt_test::ScreenshotsWanted()) qt_test::SaveWindowScreenshot(dialog, "choose_columns_dialog");
+      RECT cell = {};
+      cell.left = LVIR_BOUNDS;
+      SendMessageW(list, LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&cell));
+      HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+      RECT head = {};
+      SendMessageW(header, HDM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&head));
+      // The check box leads the "Show" cell: a small gap, then 13 pixels.
+      const LPARAM at = MAKELPARAM(head.left + 8, (cell.top + cell.bottom) / 2);
+      SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
+      SendMessageW(list, WM_LBUTTONUP, 0, at);
+      Sleep(100);
+      PostMessageW(dialog, WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+      *done = true;
+      return;
+    }
+  });
+}
+
+class GridColumns : public reg_test::AppKeyTest {};
+
+TEST_F(GridColumns, HeaderMenuHidesAColumnAndTheLayoutComesBackInANewWindow) {
+  const std::wstring key = L"Layouts\\Grid";
+  {
+    QnListView2 view;
+    FillGrid(view);
+    qt_test::GridHost host(view);
+    ASSERT_TRUE(host.Attach());
+    SetForegroundWindow(host.window);
+    std::atomic<bool> found{false};
+    std::thread picker = PickFromPopup(L"Flow [l/s]", nullptr, &found);
+    RECT item;
+    SendMessageW(host.Header(), HDM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&item));
+    POINT p = qt_test::CenterOf(item);
+    ClientToScreen(host.Header(), &p);
+    MouseAt(p, MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
+    for (int i = 0; i < 100 && !view.GetColumnManager()->IsColumnHidden(1); ++i) qt_test::PumpMessages(20);
+    picker.join();
+    ASSERT_TRUE(found.load());
+    EXPECT_TRUE(view.GetColumnManager()->IsColumnHidden(1));
+    EXPECT_FALSE(view.IsColumnShown(1));
+    EXPECT_EQ(0, static_cast<int>(SendMessageW(host.list, LVM_GETCOLUMNWIDTH, 1, 0)));
+
+    ASSERT_TRUE(view.GetColumnManager()->SetColumnOrderIndex(2, 0));
+    ASSERT_TRUE(view.SaveColumnsToRegistry(key.c_str()));
+  }
+  QnListView2 again;
+  FillGrid(again);
+  qt_test::GridHost host(again);
+  ASSERT_TRUE(host.Attach());
+  ASSERT_TRUE(again.LoadColumnsFromRegistry(key.c_str()));
+  host.Settle();
+  QNListViewColumnManager* m = again.GetColumnManager();
+  EXPECT_TRUE(m->IsColumnHidden(1));
+  EXPECT_EQ(0, static_cast<int>(SendMessageW(host.list, LVM_GETCOLUMNWIDTH, 1, 0)));
+  EXPECT_EQ((std::vector<int>{2, 0, 1}), m->GetColumnOrder());
+  std::vector<int> shown(3);
+  SendMessageW(host.list, LVM_GETCOLUMNORDERARRAY, 3, reinterpret_cast<LPARAM>(shown.data()));
+  EXPECT_EQ((std::vector<int>{2, 0, 1}), shown) << "the control shows the saved order";
+  EXPECT_TRUE(again.ShowHideColumn(1, true));
+  EXPECT_EQ(90, static_cast<int>(SendMessageW(host.list, LVM_GETCOLUMNWIDTH, 1, 0)));
+}
+
+TEST_F(GridColumns, MoreOpensTheChooserWhoseChoicesHideAColumn) {
+  QnListView2 view;
+  FillGrid(view);
+  qt_test::GridHost host(view);
+  ASSERT_TRUE(host.Attach());
+  std::atomic<bool> done{false};
+  std::thread user = UncheckInChooser(2, &done);
+  // The owner receives "More..." as the menu would post it.
+  SendMessageW(host.window, WM_COMMAND, QNListViewColumnManager::CmdMore, 0);
+  user.join();
+  host.Settle();
+  EXPECT_TRUE(done.load());
+  EXPECT_TRUE(view.GetColumnManager()->IsColumnHidden(2));
+  EXPECT_EQ(80, view.GetColumnManager()->RememberedWidth(2));
+  EXPECT_FALSE(view.GetColumnManager()->IsColumnHidden(0));
 }
 
 }  // namespace
