@@ -38,7 +38,7 @@ int SetFromChild(const lng_test::AppKey& key, const std::string& value) {
   return qt_test::RunChild("lng_switch_writer", {"QuilToolTests", qt_test::Narrow(key.app()), value});
 }
 
-std::wstring Text() { return Lng::text(Lng::APP_HPV, 100, L"Name"); }
+ustr Text() { return Lng::text(Lng::APP_HPV, 100, L"Name"); }
 
 TEST(LngSwitch, AnotherProcessFlipsTheSwitchForTheVeryNextText) {
   lng_test::AppKey key;

@@ -2,7 +2,6 @@
 #include <cwchar>
 #include <mutex>
 #include <new>
-#include <string>
 
 #include "InterApp.h"
 #include "Lng.h"
@@ -40,7 +39,8 @@ ustr LanguageFolder() {
 // while the watch on the application key says nothing under it changed.
 struct SwitchCache {
   std::mutex mutex;
-  std::wstring keyPath;
+  bool watching = false;
+  unsigned long keyGeneration = 0;
   qt::setting_watch::platform::Watch* watch = nullptr;
   bool known = false;
   qt::setting_watch::platform::Mark mark;
@@ -64,13 +64,13 @@ bool ShowStringIds() {
   SwitchCache& c = Switch();
   std::lock_guard<std::mutex> lock(c.mutex);
   // RegInt_Init may have named another application key since.
-  const wchar_t* keyPath = qt_registry::Reg().basePath;
-  if (c.keyPath != keyPath) {
+  const qt_registry::State& settings = qt_registry::Reg();
+  if (!c.watching || c.keyGeneration != settings.keyGeneration) {
     watch::Close(c.watch);
-    c.watch = nullptr;
+    c.watch = settings.basePath[0] ? watch::Open(settings.basePath) : nullptr;
     c.known = false;
-    c.keyPath = keyPath;
-    if (*keyPath) c.watch = watch::Open(keyPath);
+    c.watching = true;
+    c.keyGeneration = settings.keyGeneration;
   }
   watch::Mark now;
   const bool marked = c.watch && watch::Take(c.watch, &now);
@@ -86,14 +86,9 @@ ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
   if (row < 0) row = qt::AppRowIndex(Lng::APP_HPV);
   if (row < 0) return ustr();
 
-  ustr result;
   size_t length = 0;
   const wchar_t* found = State().readers[row].find(textId, &length);
-  if (found) {
-    result = ustr(found, length);
-  } else {
-    result = defaultText;
-  }
+  ustr result = found ? ustr(found, length) : ustr(defaultText);
 
   // Negative ids of the main module name user-defined variables, whose
   // names only the main module's utility library knows.
