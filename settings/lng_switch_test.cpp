@@ -11,6 +11,7 @@
 #include "Lng.h"
 #include "Registry.h"
 #include "settings/lng_test_support.h"
+#include "settings/regstore.h"
 #include "testsupport/qt_test.h"
 
 namespace {
@@ -74,6 +75,27 @@ TEST(LngSwitch, ChangesInThisProcessAndDeletedKeysAreSeen) {
   EXPECT_EQ(Text(), L"Bezeichnung");
   key.set(kSwitch, L"yesplease");
   EXPECT_EQ(Text(), L"100>Bezeichnung");
+}
+
+// Reads grouped together see one state of the settings, which may be
+// older than another process's change; what such a read found must not be
+// kept as the answer for after the group.
+TEST(LngSwitch, AnswersReadInsideAReadGroupAreNotKeptBeyondIt) {
+  lng_test::AppKey key;
+  lng_test::LanguageFolder folder;
+  ASSERT_TRUE(folder.write("QuilQlg.qlg", kTexts));
+  Lng::init(1513);
+  key.set(L"Developer/Other", L"1");
+  EXPECT_EQ(Text(), L"Bezeichnung");
+  {
+    qt_reg::ReadScope group;
+    // A value that is there and not yet read: the group's state is fixed here.
+    EXPECT_EQ(L"1", ustr(Registry::GetStringAtt(nullptr, L"Developer/Other", ustr(L"?"))));
+    ASSERT_EQ(SetFromChild(key, "yesplease"), 0);
+    Text();  // either answer is right inside the group
+  }
+  EXPECT_EQ(Text(), L"100>Bezeichnung");
+  Registry::DeleteAtt(nullptr, L"Developer/Other");
 }
 
 TEST(LngSwitch, SwitchingTheApplicationKeyIsHonoured) {

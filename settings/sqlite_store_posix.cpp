@@ -323,6 +323,9 @@ const CachedRead* Store::cached(const std::string& key) {
 
 bool Store::mark(uint64_t* counter, uint64_t* epoch) {
   if (!db_ || !cacheAllowed_ || group_ || !counter_.settled(counter)) return false;
+  // A read group's transaction may see an older state than the counter
+  // names, and a read made inside it would be kept under the newer mark.
+  if (inRead_ && (!groupSettled_ || groupValue_ != *counter)) return false;
   *epoch = epoch_;
   return true;
 }
