@@ -12,6 +12,7 @@
 #include "Registry.h"
 #include "settings/lng_test_support.h"
 #include "settings/regstore.h"
+#include "settings/setting_watch_platform.h"
 #include "testsupport/qt_test.h"
 
 namespace {
@@ -40,6 +41,32 @@ int SetFromChild(const lng_test::AppKey& key, const std::string& value) {
 }
 
 ustr Text() { return Lng::text(Lng::APP_HPV, 100, L"Name"); }
+
+// The watch must really hold a mark while nothing changes: one that never
+// could would leave every text paying a settings read, unnoticed.
+TEST(SettingWatch, AMarkHoldsUntilAnotherProcessChangesASettingUnderTheKey) {
+  namespace watch = qt::setting_watch::platform;
+  lng_test::AppKey key;
+  key.set(L"Developer/Other", L"1");
+  const std::wstring path = L"Software\\QuilToolTests\\" + key.app() + L"\\1\\";
+  watch::Watch* w = watch::Open(path.c_str());
+  ASSERT_NE(nullptr, w);
+  watch::Mark first, again, after;
+  ASSERT_TRUE(watch::Take(w, &first));
+  ASSERT_TRUE(watch::Take(w, &again));
+  // The Linux store looks at its files now and then, which moves the mark:
+  // a pair taken across such a look is taken again.
+  for (int i = 0; i < 3 && first != again; ++i) {
+    ASSERT_TRUE(watch::Take(w, &first));
+    ASSERT_TRUE(watch::Take(w, &again));
+  }
+  EXPECT_TRUE(first == again);
+  ASSERT_EQ(SetFromChild(key, "yesplease"), 0);
+  ASSERT_TRUE(watch::Take(w, &after));
+  EXPECT_TRUE(after != again);
+  watch::Close(w);
+  Registry::DeleteAtt(nullptr, L"Developer/Other");
+}
 
 TEST(LngSwitch, AnotherProcessFlipsTheSwitchForTheVeryNextText) {
   lng_test::AppKey key;
