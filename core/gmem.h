@@ -7,6 +7,7 @@
 #define QUILTOOL_CORE_GMEM_H
 
 #include <cstddef>
+#include <cstring>
 
 
 struct QtGmemCalls {
@@ -39,13 +40,6 @@ const QtGmemCalls* qt_gmem_default_calls();
 size_t qt_gmem_size(const void* pointer);
 // The table qt_gmem_calls() hands out, named for the inline step below.
 extern QtGmemCalls qt_gmem_calls_in_use;
-// gwGrealloc's first step for a block growing by n bytes, taken from
-// source: the block is resized where it lies when the table can and it has
-// the room, and the bytes copied to its new end; false otherwise, and then
-// nothing has changed. Appending one record takes this step every time and
-// little else, so it is inline and skips the table where it can.
-inline bool qt_gmem_append_in_place(void* pointer, size_t size, const void* source, size_t n);
-#include <cstring>
 
 // Declared with the platform's other steps in core/gmem_platform.h, whose
 // header needs the table above.
@@ -58,6 +52,11 @@ bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n);
 }  // namespace gmem
 }  // namespace qt
 
+// gwGrealloc's first step for a block growing by n bytes taken from
+// source: the block is resized where it lies when the table can and it has
+// the room, and the bytes copied to its new end; false otherwise, and then
+// nothing has changed. Appending one record takes this step every time and
+// little else, so it is inline and, with the platform's own table, one call.
 inline bool qt_gmem_append_in_place(void* pointer, size_t size, const void* source, size_t n) {
   bool (*resize)(void*, size_t) = qt_gmem_calls_in_use.resizeInPlace;
   if (!pointer || !resize || n > size) return false;
