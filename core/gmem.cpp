@@ -6,11 +6,11 @@
 #include "core/gmem_platform.h"
 #include "gwframe.h"
 
+QtGmemCalls qt_gmem_calls_in_use = *qt::gmem::platform::DefaultCalls();
+
 namespace {
 
-QtGmemCalls g_calls = *qt::gmem::platform::DefaultCalls();
-
-QtGmemCalls& Calls() { return g_calls; }
+QtGmemCalls& Calls() { return qt_gmem_calls_in_use; }
 
 void* ReportOutOfMemory(const char* format, int tag) {
   char message[64];

@@ -20,6 +20,15 @@ namespace platform {
 // The platform's own table; lives as long as the process.
 const QtGmemCalls* DefaultCalls();
 
+// The table's resizeInPlace entry where the platform has one (Linux);
+// Windows defines it to refuse, and leaves its table's entry null.
+bool ResizeInPlace(void* pointer, size_t size);
+// ResizeInPlace followed by copying n bytes from source to the block's new
+// end, in one step: appending a record to an array does nothing else, as
+// often as a program can call it. For a table whose entry is the platform's
+// own; a source inside the block is fine, as the block does not move.
+bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n);
+
 }  // namespace platform
 }  // namespace gmem
 }  // namespace qt

@@ -150,6 +150,35 @@ void Free(void* handle) {
 
 size_t Size(void* handle) { return static_cast<Block*>(handle)->size; }
 
+// The copy sizes of common records are spelt out, so that they become
+// single moves instead of a call.
+void CopyRecord(char* to, const void* from, size_t n) {
+  switch (n) {
+    case 4:
+      std::memmove(to, from, 4);
+      break;
+    case 8:
+      std::memmove(to, from, 8);
+      break;
+    case 16:
+      std::memmove(to, from, 16);
+      break;
+    default:
+      std::memmove(to, from, n);
+  }
+}
+
+const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size,
+                                 qt::gmem::platform::ResizeInPlace};
+
+}  // namespace
+
+namespace qt {
+namespace gmem {
+namespace platform {
+
+const QtGmemCalls* DefaultCalls() { return &kPosixCalls; }
+
 bool ResizeInPlace(void* pointer, size_t size) {
   Block* b = static_cast<Block*>(Handle(pointer));
   if (!b || size > b->capacity) return false;
@@ -159,15 +188,16 @@ bool ResizeInPlace(void* pointer, size_t size) {
   return true;
 }
 
-const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size, ResizeInPlace};
-
-}  // namespace
-
-namespace qt {
-namespace gmem {
-namespace platform {
-
-const QtGmemCalls* DefaultCalls() { return &kPosixCalls; }
+bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n) {
+  Block* b = static_cast<Block*>(Handle(pointer));
+  if (!b || size > b->capacity || n > size) return false;
+  QT_UNPOISON(DataOf(b), b->capacity);
+  b->size = size;
+  HideSpare(b);
+  // A source inside the block stays where it was: the block did not move.
+  CopyRecord(DataOf(b) + size - n, source, n);
+  return true;
+}
 
 }  // namespace platform
 }  // namespace gmem

@@ -22,6 +22,10 @@ namespace platform {
 
 const QtGmemCalls* DefaultCalls() { return &kWindowsCalls; }
 
+// GlobalReAlloc decides where a block goes; there is no room of our own.
+bool ResizeInPlace(void*, size_t) { return false; }
+bool AppendInPlace(void*, size_t, const void*, size_t) { return false; }
+
 }  // namespace platform
 }  // namespace gmem
 }  // namespace qt

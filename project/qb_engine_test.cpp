@@ -274,6 +274,46 @@ TEST_F(QbFile, OwnerLinksDriveMemberWalksAndKeepTheFileConsistent) {
   EXPECT_EQ(0L, qbcheckfile(h_, nullptr, nullptr));
 }
 
+// Inside a transaction a walk goes on with the statement that gave its last
+// record; walks interleaved with each other, begun from the first record
+// or from one in the middle, forward and back, must each still see every
+// record once and in order, also across a save between two steps.
+TEST_F(QbFile, InterleavedWalksInOneTransactionEachKeepTheirOrder) {
+  for (const char* id : {"P1", "P2", "P3", "P4", "P5", "P6"}) ASSERT_EQ(QB_OK, SavePanel(h_, id, L"p", 1));
+  ASSERT_EQ(QB_OK, qbbeginquickupdate(h_));
+  std::string fromStart, fromMiddle, backwards;
+  char* a = qbfirstrec(h_);
+  char* mid = qbfindrec(h_, "PANEL", "P3", 0);
+  char* b = qbnextrec(h_, mid);
+  char* c = qbprevrec(h_, nullptr);
+  qbreleaserec(mid);
+  for (int step = 0; a || b || c; ++step) {
+    if (a) {
+      fromStart += IdOf(h_, a);
+      char* next = qbnextrec(h_, a);
+      qbreleaserec(a);
+      a = next;
+    }
+    if (step == 2) ASSERT_EQ(QB_OK, SavePanel(h_, "P9", L"late", 1));
+    if (b) {
+      fromMiddle += IdOf(h_, b);
+      char* next = qbnextrec(h_, b);
+      qbreleaserec(b);
+      b = next;
+    }
+    if (c) {
+      backwards += IdOf(h_, c);
+      char* prev = qbprevrec(h_, c);
+      qbreleaserec(c);
+      c = prev;
+    }
+  }
+  ASSERT_EQ(QB_OK, qbendquick(h_));
+  EXPECT_EQ("P1P2P3P4P5P6P9", fromStart);
+  EXPECT_EQ("P4P5P6P9", fromMiddle);
+  EXPECT_EQ("P6P5P4P3P2P1", backwards);
+}
+
 TEST_F(QbFile, QuickModesAreTransactions) {
   ASSERT_EQ(QB_OK, qbbeginquickupdate(h_));
   EXPECT_EQ(QB_MODE_QUICKUPDATE, qbgetopenmode(h_));

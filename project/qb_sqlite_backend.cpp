@@ -360,36 +360,42 @@ class SqliteBackend final : public Backend {
 
   short Step(const Walk& walk, bool forward, const std::string_view* from, bool inclusive, Row* row) override {
     const int key = CursorKey(walk, forward, from != nullptr, inclusive) | (row->wantOwner ? kWithOwner : 0);
-    if (key != lastKey_ || !lastCursor_) {
-      lastCursor_ = &cursors_[key];  // std::map keeps its elements where they are
-      lastKey_ = key;
+    const bool inTransaction = InTransaction();
+    int rc;
+    // Inside a transaction a walk that goes on from where it stopped keeps
+    // its statement positioned: one step instead of a fresh descent. Any
+    // statement of the same walk, direction and columns will do, whatever
+    // bound it started from: a walk begun at the first record goes on with
+    // the statement that has no bound to test on every row.
+    const int sameRows = kForward | kWithOwner;
+    if (lastCursor_ && lastCursor_->live && from && !inclusive && inTransaction &&
+        (lastKey_ & sameRows) == (key & sameRows) && lastCursor_->SameId(*from) && lastCursor_->walk == walk) {
+      rc = sqlite3_step(lastCursor_->st);
+    } else {
+      if (key != lastKey_ || !lastCursor_) {
+        lastCursor_ = &cursors_[key];  // std::map keeps its elements where they are
+        lastKey_ = key;
+      }
+      Cursor& fresh = *lastCursor_;
+      if (!fresh.st) {
+        // Walks that do not need the owner leave its column out: every
+        // column read costs on each of a million rows.
+        const std::string sql = std::string("SELECT id, set_no, data") + (row->wantOwner ? ", owner" : "") +
+                                " FROM qb_recs" + Where(key, true) + " ORDER BY id" + (forward ? "" : " DESC");
+        const int prepared = sqlite3_prepare_v3(db_, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &fresh.st, nullptr);
+        if (prepared != SQLITE_OK) {
+          cursors_.erase(key);
+          lastCursor_ = nullptr;
+          return Map(prepared);
+        }
+      }
+      sqlite3_reset(fresh.st);
+      fresh.live = false;
+      fresh.walk = walk;
+      Bind(fresh.st, key, walk, from);
+      rc = sqlite3_step(fresh.st);
     }
     Cursor& c = *lastCursor_;
-    if (!c.st) {
-      // Walks that do not need the owner leave its column out: every
-      // column read costs on each of a million rows.
-      const std::string sql = std::string("SELECT id, set_no, data") + (row->wantOwner ? ", owner" : "") +
-                              " FROM qb_recs" + Where(key, true) + " ORDER BY id" + (forward ? "" : " DESC");
-      const int rc = sqlite3_prepare_v3(db_, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &c.st, nullptr);
-      if (rc != SQLITE_OK) {
-        cursors_.erase(key);
-        lastCursor_ = nullptr;
-        return Map(rc);
-      }
-    }
-    int rc;
-    const bool inTransaction = InTransaction();
-    // Inside a transaction a walk that goes on from where it stopped keeps
-    // its statement positioned: one step instead of a fresh descent.
-    if (c.live && from && !inclusive && inTransaction && c.SameId(*from) && c.walk == walk) {
-      rc = sqlite3_step(c.st);
-    } else {
-      sqlite3_reset(c.st);
-      c.live = false;
-      c.walk = walk;
-      Bind(c.st, key, walk, from);
-      rc = sqlite3_step(c.st);
-    }
     if (rc != SQLITE_ROW) {
       sqlite3_reset(c.st);
       c.live = false;

@@ -62,6 +62,7 @@ class AppKey {
     Registry::DeleteKey(HKEY_CURRENT_USER, (base + L"\\").c_str());
   }
   void set(const wchar_t* path, const wchar_t* value) { Registry::SetStringAtt(nullptr, path, value); }
+  const std::wstring& app() const { return app_; }
 
  private:
   std::wstring app_;

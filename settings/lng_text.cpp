@@ -1,5 +1,6 @@
 // Loading the language files and fetching texts by (module, number).
 #include <cwchar>
+#include <mutex>
 #include <new>
 
 #include "InterApp.h"
@@ -10,6 +11,8 @@
 #include "settings/lng_apptable.h"
 #include "settings/lng_internal.h"
 #include "settings/qlg_reader.h"
+#include "settings/reg_internal.h"
+#include "settings/setting_watch_platform.h"
 
 namespace {
 
@@ -31,11 +34,51 @@ ustr LanguageFolder() {
   return folder;
 }
 
-bool ShowStringIds() {
-  // Read on every call: translators flip the switch while the host runs.
-  // The ring form spares an allocation per text.
+// The developer switch is asked for with every text, and translators flip
+// it from another process while the host runs: its answer is kept only
+// while the watch on the application key says nothing under it changed.
+struct SwitchCache {
+  std::mutex mutex;
+  bool watching = false;
+  unsigned long keyGeneration = 0;
+  qt::setting_watch::platform::Watch* watch = nullptr;
+  bool known = false;
+  qt::setting_watch::platform::Mark mark;
+  bool show = false;
+};
+
+SwitchCache& Switch() {
+  // Never destroyed: texts may still be asked for from static destructors.
+  static SwitchCache* cache = new SwitchCache;
+  return *cache;
+}
+
+bool ReadShowStringIds() {
+  // The ring form spares an allocation.
   wchar_t no[] = L"no";
   return std::wcscmp(Registry::GetStringAtt(nullptr, L"Developer/ShowStringIDs", no), L"yesplease") == 0;
+}
+
+bool ShowStringIds() {
+  namespace watch = qt::setting_watch::platform;
+  SwitchCache& c = Switch();
+  std::lock_guard<std::mutex> lock(c.mutex);
+  // RegInt_Init may have named another application key since.
+  const qt_registry::State& settings = qt_registry::Reg();
+  if (!c.watching || c.keyGeneration != settings.keyGeneration) {
+    watch::Close(c.watch);
+    c.watch = settings.basePath[0] ? watch::Open(settings.basePath) : nullptr;
+    c.known = false;
+    c.watching = true;
+    c.keyGeneration = settings.keyGeneration;
+  }
+  watch::Mark now;
+  const bool marked = c.watch && watch::Take(c.watch, &now);
+  if (marked && c.known && now == c.mark) return c.show;
+  c.show = ReadShowStringIds();
+  c.known = marked;
+  c.mark = now;
+  return c.show;
 }
 
 ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
@@ -43,14 +86,9 @@ ustr Lookup(Lng::AppID id, int textId, const wchar_t* defaultText) {
   if (row < 0) row = qt::AppRowIndex(Lng::APP_HPV);
   if (row < 0) return ustr();
 
-  ustr result;
   size_t length = 0;
   const wchar_t* found = State().readers[row].find(textId, &length);
-  if (found) {
-    result = ustr(found, length);
-  } else {
-    result = defaultText;
-  }
+  ustr result = found ? ustr(found, length) : ustr(defaultText);
 
   // Negative ids of the main module name user-defined variables, whose
   // names only the main module's utility library knows.

@@ -16,6 +16,9 @@ const int kFontChars = 128;
 
 struct State {
   wchar_t basePath[kPathChars] = {0};
+  // Counts RegInt_Init's calls, so that what was read under one
+  // application key is not taken for another's.
+  unsigned long keyGeneration = 0;
   HKEY userKey = nullptr;
   HKEY machineKey = nullptr;
   // Overwritten by every call that takes a setting path.

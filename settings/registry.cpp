@@ -178,6 +178,7 @@ bool RegInt_Init(const wchar_t* company, const wchar_t* application, const wchar
   State& st = Reg();
   CloseApplicationKey(&st.userKey);
   CloseApplicationKey(&st.machineKey);
+  ++st.keyGeneration;
   st.basePath[0] = 0;
   QN_swprintf_s(st.basePath, qt_registry::kPathChars, L"Software\\%s\\%s\\%s\\", company ? company : L"Any company",
                 application ? application : L"Any application", version ? version : L"Any version");

@@ -108,6 +108,10 @@ class ReadCache {
   uint64_t value_ = 0;
 };
 
+// The current user's store's mark (Store::mark), taken before reading
+// settings that a caller keeps while the mark stays the same.
+bool UserStoreMark(uint64_t* counter, uint64_t* epoch);
+
 // Test seams, not for callers.
 // Statements the store has run in this process.
 unsigned long long StoreStatementCount();

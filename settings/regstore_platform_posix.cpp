@@ -606,6 +606,17 @@ std::string StoreProblem(HKEY root) {
   return std::string();
 }
 
+bool UserStoreMark(uint64_t* counter, uint64_t* epoch) {
+  try {
+    std::lock_guard<std::mutex> lock(Global().mutex);
+    Store& store = Global().user;
+    store.refresh();
+    return store.mark(counter, epoch);
+  } catch (...) {
+  }
+  return false;
+}
+
 std::string StoreFile(HKEY root) {
   try {
     std::lock_guard<std::mutex> lock(Global().mutex);

@@ -289,6 +289,7 @@ void Store::close() {
   group_ = false;
   counter_.close();
   cache_.clear();
+  ++epoch_;
   counterAllowed_ = cacheAllowed_ = false;
 }
 
@@ -318,6 +319,15 @@ const CachedRead* Store::cached(const std::string& key) {
   if (inRead_ && (!groupSettled_ || groupValue_ != now)) return nullptr;
   fill_ = true;
   return cache_.find(key);
+}
+
+bool Store::mark(uint64_t* counter, uint64_t* epoch) {
+  if (!db_ || !cacheAllowed_ || group_ || !counter_.settled(counter)) return false;
+  // A read group's transaction may see an older state than the counter
+  // names, and a read made inside it would be kept under the newer mark.
+  if (inRead_ && (!groupSettled_ || groupValue_ != *counter)) return false;
+  *epoch = epoch_;
+  return true;
 }
 
 void Store::keep(const std::string& key, CachedRead&& answer) {
@@ -454,6 +464,7 @@ bool Store::recheckDue() const {
 void Store::recheck() {
   lastCheckMs_ = NowMs();
   cache_.clear();
+  ++epoch_;
   struct stat st;
   if (stat(file_.c_str(), &st) != 0 || st.st_dev != fileDev_ || st.st_ino != fileIno_) {
     close();

@@ -143,6 +143,12 @@ class Store {
   const CachedRead* cached(const std::string& key);
   void keep(const std::string& key, CachedRead&& answer);
 
+  // A mark of the store's state that holds while nobody writes to it: the
+  // change counter, and how often the files were looked at for what the
+  // counter cannot tell. False when the store is not open, not cached, in
+  // a write group or being written.
+  bool mark(uint64_t* counter, uint64_t* epoch);
+
   // Around every write (see WriteGuard). Without a counter file that can be
   // written no write happens at all: processes caching the store would
   // not learn of it. Inside a write group both do nothing, as the group
@@ -212,6 +218,7 @@ class Store {
   ino_t fileIno_ = 0;
   int64_t lastCheckMs_ = 0;
   unsigned generation_ = 0;
+  uint64_t epoch_ = 0;
   ChangeCounter counter_;
   bool counterAllowed_ = false;
   bool cacheAllowed_ = false;
