@@ -29,5 +29,6 @@
 #include "QBaseDb.h"
 #include "InterAppRecords.h"
 #include "InterApp.h"
+#include "MsExcel.h"
 
 #endif
