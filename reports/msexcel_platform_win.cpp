@@ -79,7 +79,7 @@ void ClearVariant(VARIANT* value) { VariantClear(value); }
 
 HRESULT CopyVariant(VARIANT* to, const VARIANT* from) {
   VariantInit(to);
-  return VariantCopy(to, from);
+  return VariantCopy(to, const_cast<VARIANT*>(from));
 }
 
 bool MakeText(VARIANT* value, const wchar_t* text) {
@@ -94,7 +94,7 @@ bool MakeText(VARIANT* value, const wchar_t* text) {
 HRESULT Convert(VARIANT* to, const VARIANT* from, VARTYPE type) {
   VariantInit(to);
   // The user's locale: a cell read as text looks as the user sees numbers.
-  return VariantChangeTypeEx(to, from, LOCALE_USER_DEFAULT, 0, type);
+  return VariantChangeTypeEx(to, const_cast<VARIANT*>(from), LOCALE_USER_DEFAULT, 0, type);
 }
 
 }  // namespace platform
