@@ -65,8 +65,11 @@ std::wstring FakeServer::serverCommand(const std::wstring& extraSwitches) const 
 
 bool FakeServer::writeClass(const std::wstring& command) {
   const std::wstring id = ClassIdText();
+  // A registration left in the other root would answer the look-up instead.
+  unregister();
   // The user's own classes are enough where the component library reads
-  // them; otherwise the machine's, which this run's private prefix owns.
+  // them (Wine's reads the machine's only); otherwise the machine's, which
+  // this run's private prefix owns.
   for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
     root_ = root;
     if (!SetDefault(root, std::wstring(kClassesKey) + L"Excel.Application\\CLSID", id)) continue;
