@@ -32,11 +32,31 @@ bool ResolvesToFake() {
   return SUCCEEDED(CLSIDFromProgID(L"Excel.Application", &found)) && IsEqualCLSID(found, fake_excel::kClassId);
 }
 
+// Local servers are found through the prefix's COM service. Its first start
+// in a fresh Wine prefix can outlast the component library's own wait
+// (tens of seconds on a loaded machine), after which activation hangs for
+// minutes; waiting for it here keeps that out of the tests.
+void WaitForComService() {
+  SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
+  if (!manager) return;
+  SC_HANDLE service = OpenServiceW(manager, L"RpcSs", SERVICE_QUERY_STATUS | SERVICE_START);
+  if (service) {
+    SERVICE_STATUS status{};
+    for (int i = 0; i < 100 && QueryServiceStatus(service, &status) && status.dwCurrentState != SERVICE_RUNNING; ++i) {
+      if (status.dwCurrentState == SERVICE_STOPPED) StartServiceW(service, 0, nullptr);
+      Sleep(500);
+    }
+    CloseServiceHandle(service);
+  }
+  CloseServiceHandle(manager);
+}
+
 }  // namespace
 
 FakeServer::FakeServer() {
   lane_ = CreateMutexW(nullptr, FALSE, L"QuilToolSpreadsheetAutomationTests");
   if (lane_) WaitForSingleObject(lane_, 120000);
+  WaitForComService();
   unregister();
 }
 
