@@ -32,19 +32,32 @@ bool ResolvesToFake() {
   return SUCCEEDED(CLSIDFromProgID(L"Excel.Application", &found)) && IsEqualCLSID(found, fake_excel::kClassId);
 }
 
-// Local servers are found through the prefix's COM service. Its first start
-// in a fresh Wine prefix can outlast the component library's own wait
-// (tens of seconds on a loaded machine), after which activation hangs for
-// minutes; waiting for it here keeps that out of the tests.
+// Local servers and the running-object table live in the prefix's COM
+// service. Its first start in a fresh Wine session is slow on a loaded
+// machine, and the service manager may restart it once, which forgets every
+// registration made before; activation then hangs for minutes. The tests
+// start once it has run under one process for a few seconds.
 void WaitForComService() {
   SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
   if (!manager) return;
   SC_HANDLE service = OpenServiceW(manager, L"RpcSs", SERVICE_QUERY_STATUS | SERVICE_START);
   if (service) {
-    SERVICE_STATUS status{};
-    for (int i = 0; i < 100 && QueryServiceStatus(service, &status) && status.dwCurrentState != SERVICE_RUNNING; ++i) {
+    DWORD stableSince = 0, process = 0;
+    for (int i = 0; i < 240; ++i) {
+      SERVICE_STATUS_PROCESS status{};
+      DWORD needed = 0;
+      if (!QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof status,
+                                &needed)) {
+        break;
+      }
       if (status.dwCurrentState == SERVICE_STOPPED) StartServiceW(service, 0, nullptr);
-      Sleep(500);
+      if (status.dwCurrentState != SERVICE_RUNNING || status.dwProcessId != process) {
+        process = status.dwCurrentState == SERVICE_RUNNING ? status.dwProcessId : 0;
+        stableSince = GetTickCount();
+      } else if (GetTickCount() - stableSince >= 3000) {
+        break;
+      }
+      Sleep(250);
     }
     CloseServiceHandle(service);
   }
