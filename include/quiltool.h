@@ -34,5 +34,6 @@
 #include "InterAppRecords.h"
 #include "InterApp.h"
 #include "ProgressDlg.h"
+#include "MsExcel.h"
 
 #endif
