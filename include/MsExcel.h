@@ -174,6 +174,8 @@ class QT_API MsExcel {
 
   bool putValue(int row, int column, VARIANT& value);
   bool readValue(int row, int column, VARIANT& value);
+  // The cell's value converted to type into `converted` (an empty VARIANT).
+  bool readConverted(int row, int column, VARTYPE type, VARIANT& converted);
 
   IDispatch* m_application;
   IDispatch* m_workbooks;

@@ -218,11 +218,15 @@ bool MsExcel::getCell(int row, int column, VARIANT& value) {
   });
 }
 
+bool MsExcel::readConverted(int row, int column, VARTYPE type, VARIANT& converted) {
+  Value answer;
+  return readValue(row, column, answer.v) && SUCCEEDED(platform::Convert(&converted, &answer.v, type));
+}
+
 bool MsExcel::getCell(int row, int column, int& value) {
   return qt::NoThrow<bool>("MsExcel::getCell", false, [&]() -> bool {
-    Value answer, converted;
-    if (!readValue(row, column, answer.v)) return false;
-    if (FAILED(platform::Convert(&converted.v, &answer.v, VT_I4))) return false;
+    Value converted;
+    if (!readConverted(row, column, VT_I4, converted.v)) return false;
     value = converted.v.lVal;
     return true;
   });
@@ -230,9 +234,8 @@ bool MsExcel::getCell(int row, int column, int& value) {
 
 bool MsExcel::getCell(int row, int column, double& value) {
   return qt::NoThrow<bool>("MsExcel::getCell", false, [&]() -> bool {
-    Value answer, converted;
-    if (!readValue(row, column, answer.v)) return false;
-    if (FAILED(platform::Convert(&converted.v, &answer.v, VT_R8))) return false;
+    Value converted;
+    if (!readConverted(row, column, VT_R8, converted.v)) return false;
     value = converted.v.dblVal;
     return true;
   });
@@ -240,9 +243,8 @@ bool MsExcel::getCell(int row, int column, double& value) {
 
 bool MsExcel::getCell(int row, int column, ustr& value) {
   return qt::NoThrow<bool>("MsExcel::getCell", false, [&]() -> bool {
-    Value answer, converted;
-    if (!readValue(row, column, answer.v)) return false;
-    if (FAILED(platform::Convert(&converted.v, &answer.v, VT_BSTR))) return false;
+    Value converted;
+    if (!readConverted(row, column, VT_BSTR, converted.v)) return false;
     value = converted.v.bstrVal ? converted.v.bstrVal : L"";
     return true;
   });
