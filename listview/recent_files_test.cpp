@@ -7,35 +7,15 @@
 
 #include "QnRecentFileListManager.h"
 #include "listview/recent_files_list.h"
-#include "qn_presenter.h"
+#include "message_recorder.h"
 #include "qt_test.h"
 #include "settings/reg_test_util.h"
 
 namespace {
 
-class Answering : public QnMessagePresenter {
- public:
-  int answer = IDNO;
-  int asked = 0;
-  std::wstring text;
-  int showMessage(HWND, const wchar_t* t, const wchar_t*, unsigned int) override {
-    ++asked;
-    text = t;
-    return answer;
-  }
-  int showMessageA(HWND, const char*, const char*, unsigned int) override { return answer; }
-};
 
 class RecentFiles : public reg_test::AppKeyTest {
  protected:
-  void SetUp() override {
-    AppKeyTest::SetUp();
-    previous_ = qn_set_message_presenter(&presenter_);
-  }
-  void TearDown() override {
-    qn_set_message_presenter(previous_);
-    AppKeyTest::TearDown();
-  }
   // Makes a real file and answers its path.
   std::wstring File(const std::string& name) {
     const std::string path = dir_.file(name);
@@ -46,8 +26,7 @@ class RecentFiles : public reg_test::AppKeyTest {
   std::wstring At(const QnRecentFileListManager& m, int i) { return m.GetFilePathNameAt(i).c_str(); }
 
   qt_test::TempDir dir_;
-  Answering presenter_;
-  QnMessagePresenter* previous_ = nullptr;
+  qt_test::MessageRecorder presenter_{IDNO};
 };
 
 TEST_F(RecentFiles, TwelfthFileDropsTheOldestAndReopeningMovesToTheFront) {
@@ -67,7 +46,7 @@ TEST_F(RecentFiles, TwelfthFileDropsTheOldestAndReopeningMovesToTheFront) {
   EXPECT_EQ(11, m.GetFileCount());  // not twice
   EXPECT_EQ(L"", At(m, 11));
   EXPECT_EQ(L"", At(m, -1));
-  EXPECT_EQ(0, presenter_.asked);
+  EXPECT_EQ(0, static_cast<int>(presenter_.boxes.size()));
   EXPECT_FALSE(m.SetLastUsed(L""));
 }
 
@@ -81,10 +60,10 @@ TEST_F(RecentFiles, MissingFileIsDroppedOnlyWhenTheUserSaysYes) {
 
   presenter_.answer = IDNO;
   EXPECT_FALSE(m.SetLastUsed(gone.c_str()));
-  EXPECT_EQ(1, presenter_.asked);
+  EXPECT_EQ(1, static_cast<int>(presenter_.boxes.size()));
   EXPECT_EQ(L"The file or folder \"" + gone +
                 L"\" cannot be opened. Do you want to remove the reference(s) to it from the Recent list(s)?",
-            presenter_.text);
+            presenter_.boxes.back().text);
   EXPECT_EQ(2, m.GetFileCount());
 
   presenter_.answer = IDYES;

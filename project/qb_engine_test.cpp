@@ -294,7 +294,9 @@ TEST_F(QbFile, InterleavedWalksInOneTransactionEachKeepTheirOrder) {
       qbreleaserec(a);
       a = next;
     }
-    if (step == 2) ASSERT_EQ(QB_OK, SavePanel(h_, "P9", L"late", 1));
+    if (step == 2) {
+      ASSERT_EQ(QB_OK, SavePanel(h_, "P9", L"late", 1));
+    }
     if (b) {
       fromMiddle += IdOf(h_, b);
       char* next = qbnextrec(h_, b);

@@ -11,31 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "qn_presenter.h"
+#include "message_recorder.h"
 #include "qt_test.h"
 
 namespace excel_test {
 
-struct Box {
-  std::wstring text;
-  std::wstring caption;
-};
-
-// Takes the boxes off the screen so that a failing call cannot block a test.
-class Recorder : public QnMessagePresenter {
- public:
-  Recorder() { previous_ = qn_set_message_presenter(this); }
-  ~Recorder() override { qn_set_message_presenter(previous_); }
-  int showMessage(HWND, const wchar_t* text, const wchar_t* caption, unsigned int) override {
-    boxes.push_back({text, caption});
-    return IDOK;
-  }
-  int showMessageA(HWND, const char*, const char*, unsigned int) override { return IDOK; }
-  std::vector<Box> boxes;
-
- private:
-  QnMessagePresenter* previous_ = nullptr;
-};
+typedef qt_test::MessageRecorder Recorder;
 
 class FakeServer {
  public:

@@ -6,35 +6,10 @@
 #include <vector>
 
 #include "MsExcel.h"
-#include "qn_presenter.h"
+#include "message_recorder.h"
 #include "reports/msexcel_platform.h"
 
-namespace {
-
-struct Box {
-  std::wstring text;
-  std::wstring caption;
-};
-
-class Recorder : public QnMessagePresenter {
- public:
-  Recorder() { previous_ = qn_set_message_presenter(this); }
-  ~Recorder() override { qn_set_message_presenter(previous_); }
-  int showMessage(HWND, const wchar_t* text, const wchar_t* caption, unsigned int) override {
-    boxes.push_back({text, caption});
-    return IDOK;
-  }
-  int showMessageA(HWND, const char*, const char*, unsigned int) override {
-    boxes.push_back({L"(8-bit)", L"(8-bit)"});
-    return IDOK;
-  }
-  std::vector<Box> boxes;
-
- private:
-  QnMessagePresenter* previous_ = nullptr;
-};
-
-}  // namespace
+typedef qt_test::MessageRecorder Recorder;
 
 TEST(MsExcelWithoutComponents, OpenFindsNoClassAndShowsNothing) {
   Recorder recorder;

@@ -7,7 +7,7 @@
 #include "FileSharingServiceManager.h"
 #include "Registry.h"
 #include "gwflock.h"
-#include "qn_presenter.h"
+#include "message_recorder.h"
 #include "qn_utf.h"
 #include "qt_test.h"
 #include "tool_test_support.h"
@@ -16,19 +16,6 @@ using qt_tool_test::RunTool;
 
 namespace {
 
-class Messages : public QnMessagePresenter {
- public:
-  std::wstring all;
-  int showMessage(HWND, const wchar_t* text, const wchar_t*, unsigned int) override {
-    all += text;
-    all += L"\n";
-    return IDOK;
-  }
-  int showMessageA(HWND, const char* text, const char*, unsigned int) override {
-    all += qn_utf8_to_wide(text);
-    return IDOK;
-  }
-};
 
 std::string TextExport(const std::string& path) {
   const std::string bytes = qt_test::ReadFileBytes(path);
@@ -46,13 +33,11 @@ int Lines(const std::string& text) {
 class ReportCommand : public ::testing::Test {
  protected:
   void SetUp() override {
-    previous_ = qn_set_message_presenter(&messages_);
     project_ = dir_.file("plant.qep");
     layout_ = "Tests\\" + qt_test::UniqueName("Layout");
     ASSERT_EQ(0, RunTool("db", {"sample", project_, "--records", "300"}).code);
   }
   void TearDown() override {
-    qn_set_message_presenter(previous_);
     RegInt_Init(L"Quillon", L"QuilTool", L"1");
     for (int i = 0; i < 20; ++i) {
       Registry::DeleteAtt(nullptr, qt_test::Widen(layout_ + "\\column" + std::to_string(i)).c_str());
@@ -72,8 +57,7 @@ class ReportCommand : public ::testing::Test {
   }
 
   qt_test::TempDir dir_;
-  Messages messages_;
-  QnMessagePresenter* previous_ = nullptr;
+  qt_test::MessageRecorder messages_;
   std::string project_, layout_;
 };
 
@@ -104,9 +88,9 @@ TEST_F(ReportCommand, FileHeldByAnotherUserGivesThreeNamesTheHolderAndWritesNoth
   gwflock_unlock(&lock);
   EXPECT_EQ(3, r.code) << r.err;
   const std::wstring holder = FileSharingServiceManager::GetFileOwner(lockFile.c_str()).c_str();
-  EXPECT_NE(std::wstring::npos, messages_.all.find(L"Locked: ")) << qt_test::Narrow(messages_.all);
+  EXPECT_NE(std::wstring::npos, messages_.AllText().find(L"Locked: ")) << qt_test::Narrow(messages_.AllText());
   if (!holder.empty()) {
-    EXPECT_NE(std::wstring::npos, messages_.all.find(L"Locked: " + holder)) << qt_test::Narrow(messages_.all);
+    EXPECT_NE(std::wstring::npos, messages_.AllText().find(L"Locked: " + holder)) << qt_test::Narrow(messages_.AllText());
   }
   EXPECT_EQ("", qt_test::ReadFileBytes(xml));
 }
