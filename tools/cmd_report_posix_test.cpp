@@ -3,6 +3,8 @@
 // the reason, where a program is not installed.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+
 #include <cstdlib>
 #include <string>
 
@@ -63,6 +65,28 @@ TEST(ReportCommandReadback, LibreOfficeReadsEveryRecord) {
                               Quoted(xml) + " >/dev/null 2>&1";
   ASSERT_EQ(0, std::system(command.c_str()));
   ExpectRooms(qt_test::ReadFileBytes(dir.file("rooms.csv")), "libreoffice");
+}
+
+// Ctrl+C in the middle of an export: the program, run as a user runs it,
+// gets SIGINT after a moment and ends with 1, leaving neither a partial
+// spreadsheet nor its lock file.
+TEST(ReportCommandInterrupt, CtrlCStopsTheExportAndLeavesNoFileAndNoLock) {
+  if (!HaveProgram("timeout")) GTEST_SKIP() << "timeout (coreutils) is not installed";
+  qt_test::TempDir dir;
+  const std::string project = dir.file("plant.qep"), xml = dir.file("plant.xml");
+  ASSERT_EQ(0, qt_tool_test::RunTool("db", {"sample", project, "--records", "200000"}).code);
+  const std::string self = qt_test::SelfPath();
+  const std::string tool = self.substr(0, self.rfind('/') + 1) + "quiltool";
+  const std::string command = "timeout --preserve-status -s INT 0.8 " + Quoted(tool) + " report " + Quoted(project) +
+                              " --out " + Quoted(xml) + " --layout 'Tests\\" + qt_test::UniqueName("Interrupt") +
+                              "' >" + Quoted(dir.file("out.txt")) + " 2>&1";
+  const int status = std::system(command.c_str());
+  ASSERT_TRUE(WIFEXITED(status)) << "ended by a signal: " << qt_test::ReadFileBytes(dir.file("out.txt"));
+  if (WEXITSTATUS(status) == 0) GTEST_SKIP() << "the export finished before the interrupt";
+  EXPECT_EQ(1, WEXITSTATUS(status)) << qt_test::ReadFileBytes(dir.file("out.txt"));
+  EXPECT_NE(std::string::npos, qt_test::ReadFileBytes(dir.file("out.txt")).find("stopped by the user"));
+  EXPECT_EQ("", qt_test::ReadFileBytes(xml));
+  EXPECT_EQ("", qt_test::ReadFileBytes(dir.file("plant.lck")));
 }
 
 }  // namespace
