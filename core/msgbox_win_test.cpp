@@ -116,5 +116,7 @@ TEST(RealMessageBox, ScreenshotOfTheYesNoQuestion) {
   watcher.join();
   EXPECT_TRUE(seen.found);
   EXPECT_EQ(L"Overwrite the layout of \"Ducts\"?", seen.text);
-  if (qt_test::ScreenshotsWanted()) EXPECT_TRUE(shot.load());
+  if (qt_test::ScreenshotsWanted()) {
+    EXPECT_TRUE(shot.load());
+  }
 }

@@ -199,7 +199,9 @@ TEST_F(ReportWindowWin, ScreenshotMultilineHeaderZoomed) {
   };
   ASSERT_TRUE(report.Create(nullptr, &driver));
   EXPECT_EQ(150, zoom);
-  if (qt_test::ScreenshotsWanted()) EXPECT_TRUE(saved);
+  if (qt_test::ScreenshotsWanted()) {
+    EXPECT_TRUE(saved);
+  }
 }
 
 }  // namespace
