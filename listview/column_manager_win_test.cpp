@@ -297,7 +297,7 @@ TEST_F(GridColumns, HeaderMenuHidesAColumnAndTheLayoutComesBackInANewWindow) {
   EXPECT_EQ(90, static_cast<int>(SendMessageW(host.list, LVM_GETCOLUMNWIDTH, 1, 0)));
 }
 
-TEST_F(GridColumns, MoreOpensTheChooserWhoseChoicesHideAColumn) {
+TEST_F(GridColumns, ScreenshotOfTheChooserWhoseChoicesHideAColumn) {
   QnListView2 view;
   FillGrid(view);
   qt_test::GridHost host(view);
