@@ -79,8 +79,58 @@ function(qt_register_gtest target)
   else()
     set(qt_test_timeout 300)
   endif()
+  set(desktop)
+  if(WIN32)
+    qt_desktop_suites(${target} desktop)
+  endif()
+  if(NOT desktop)
+    gtest_discover_tests(${target}
+      DISCOVERY_MODE PRE_TEST
+      DISCOVERY_TIMEOUT 120
+      PROPERTIES TIMEOUT ${qt_test_timeout})
+    return()
+  endif()
+  list(TRANSFORM desktop APPEND ".*")
+  list(JOIN desktop ":" filter)
   gtest_discover_tests(${target}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 120
+    TEST_FILTER "${filter}"
+    PROPERTIES TIMEOUT ${qt_test_timeout} RESOURCE_LOCK desktop)
+  gtest_discover_tests(${target}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 120
+    TEST_FILTER "-${filter}"
     PROPERTIES TIMEOUT ${qt_test_timeout})
+endfunction()
+
+# Under Wine all test programs share one X server and one desktop: two tests
+# that show windows at the same time take the keyboard focus (and the
+# clipboard) from each other, and an editor that loses the focus closes. A
+# test file that shows windows says so with the line
+#   // ctest: RESOURCE_LOCK desktop
+# and the suites it defines then run one at a time, beside the other tests.
+function(qt_desktop_suites target out)
+  get_target_property(sources ${target} SOURCES)
+  set(suites)
+  foreach(f IN LISTS sources)
+    if(NOT f MATCHES "_test\\.cpp$")
+      continue()
+    endif()
+    # Adding or removing the line takes effect at the next build.
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${f})
+    file(STRINGS ${f} marker REGEX "^// ctest: RESOURCE_LOCK desktop$")
+    if(NOT marker)
+      continue()
+    endif()
+    file(STRINGS ${f} heads REGEX "^TEST(_F)?\\([A-Za-z0-9_]+,")
+    foreach(head IN LISTS heads)
+      string(REGEX REPLACE "^TEST(_F)?\\(([A-Za-z0-9_]+),.*" "\\2" suite "${head}")
+      list(APPEND suites ${suite})
+    endforeach()
+  endforeach()
+  if(suites)
+    list(REMOVE_DUPLICATES suites)
+  endif()
+  set(${out} ${suites} PARENT_SCOPE)
 endfunction()

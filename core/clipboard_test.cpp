@@ -1,3 +1,4 @@
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include <cstdint>

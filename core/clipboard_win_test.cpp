@@ -1,5 +1,6 @@
 // The real clipboard under Wine: the text put there is read back as the
 // system holds it.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 
 #include <gtest/gtest.h>

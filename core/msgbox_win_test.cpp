@@ -1,5 +1,6 @@
 // Real message boxes under Wine: a watcher thread finds the box, reads its
 // caption and text and presses a button, as a person would.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 
 #include <gtest/gtest.h>

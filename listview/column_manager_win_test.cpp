@@ -1,6 +1,7 @@
 // The column manager on a real list-view control under Wine: a right click
 // on the header opens the real pop-up menu, a click on an entry hides the
 // column, and the layout comes back from the registry in a new window.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 #include <commctrl.h>
 

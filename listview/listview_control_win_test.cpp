@@ -1,6 +1,7 @@
 // The grid bound to a real list-view control under Wine, driven with the
 // clicks, typing and keys a user gives, and read back through the model
 // and the commands the owner receives.
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include "listview/listview_win_test_support.h"

@@ -1,6 +1,7 @@
 // The grid as a person sees it: each test paints one situation, checks
 // what reached the screen (pixels, windows), and when screenshots are
 // wanted saves a picture named after what it shows.
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include "listview/listview_win_test_support.h"

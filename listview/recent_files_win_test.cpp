@@ -1,6 +1,7 @@
 // The recent-file list's real sub-menu under Wine: its items and command
 // ids read back from the menu, the title inserted once, and the tool tip
 // that shows the highlighted entry's full path.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 #include <commctrl.h>
 

@@ -1,5 +1,6 @@
 // AutoWrap's three failure messages as the user sees them: real message
 // boxes, read from the screen and dismissed by a watcher thread.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 #include <ole2.h>
 

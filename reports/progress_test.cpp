@@ -1,5 +1,6 @@
 // Bar rules, the terminal frame and the worker protocol, the same on both
 // targets (the dialog is the real one of each: a window or the terminal).
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include <algorithm>

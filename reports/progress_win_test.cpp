@@ -1,5 +1,6 @@
 // The real progress dialogs under Windows: found, read and clicked from a
 // watcher thread as a person would, while the dialog runs.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 #include <commctrl.h>
 

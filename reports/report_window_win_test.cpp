@@ -1,5 +1,6 @@
 // The report window as a user meets it: opened modal, driven through its
 // buttons and menu, closed, with its place kept in the settings.
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include <windows.h>

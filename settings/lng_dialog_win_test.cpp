@@ -1,4 +1,5 @@
 // The dialog texts on a real dialog, read back through the system.
+// ctest: RESOURCE_LOCK desktop
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif

@@ -1,4 +1,5 @@
 // The color dialog and swatches, driven as a user would.
+// ctest: RESOURCE_LOCK desktop
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif

@@ -1,4 +1,5 @@
 // Saving and restoring a real window.
+// ctest: RESOURCE_LOCK desktop
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,6 +1,7 @@
 // quiltool report under Wine with its real progress dialog: a run longer
 // than a second shows the dialog, and its Cancel button stops the export
 // with nothing written and no lock left behind.
+// ctest: RESOURCE_LOCK desktop
 #include <windows.h>
 
 #include <gtest/gtest.h>
