@@ -65,6 +65,14 @@ endfunction()
 
 function(qt_register_gtest target)
   include(GoogleTest)
+  # Every test file parses GoogleTest's headers first; made once per program
+  # they cost a second less per file.
+  target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <string> <vector>)
+  # Test code needs line numbers in a stack, not full optimisation or
+  # variable locations: this halves the time spent compiling it.
+  if(NOT MSVC)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O1 -g1>)
+  endif()
   # Discovery runs the program, which under Wine costs a second or two;
   # doing it at test time keeps the build free of emulator runs.
   # Under Wine no test needs more than a few seconds, but a test has been
