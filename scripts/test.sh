@@ -187,9 +187,52 @@ lane_windows() {
   fi
 }
 
-# Each harness runs for a bounded time over its seeds and the inputs kept
-# from earlier findings; one that ends without a finding counts as passed.
-# Inputs it finds go to a scratch corpus, findings to build/fuzz/findings.
+# Runs one harness for $2 seconds over its seeds and the inputs kept from
+# earlier findings; writes "pass <line>" or "fail <lines>" to $3. Inputs it
+# finds go to a scratch corpus, findings to build/fuzz/findings.
+fuzz_one() {
+  local bin=$1 seconds=$2 result=$3 dir=$4
+  local name=${bin##*/fuzz_}
+  local inputs=("$run_tmp/fuzz-corpus/$name")
+  mkdir -p "${inputs[0]}"
+  [ -d "$run_tmp/fuzz-seeds/$name" ] && inputs+=("$run_tmp/fuzz-seeds/$name")
+  [ -d "$root/fuzz/corpus/$name" ] && inputs+=("$root/fuzz/corpus/$name")
+  [ -d "$root/fuzz/regressions/$name" ] && inputs+=("$root/fuzz/regressions/$name")
+  local findings="$dir/findings/$name" log="$run_tmp/fuzz-$name.log"
+  rm -rf "$findings"
+  mkdir -p "$findings"
+  # Forked jobs keep fuzzing after a finding, so that one known defect
+  # does not hide the next and the rate covers the whole time.
+  ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    "$bin" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
+      -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+      -artifact_prefix="$findings/" "${inputs[@]}" >"$log" 2>&1
+  local rc=$? runs rate found
+  # Runs from the last progress line ("#<runs>: cov: ..."); the rate over
+  # the whole time, restarts of the forked jobs included.
+  runs=$(grep -oE '^#[0-9]+:' "$log" | tail -1 | tr -d '#:')
+  rate=$(( ${runs:-0} / seconds ))
+  found=$(find "$findings" -type f | wc -l)
+  if [ $rc -eq 0 ] && [ -n "$runs" ] && [ "$found" -eq 0 ]; then
+    printf 'pass fuzz: %-12s %8s runs in %s s, %6s runs/s\n' "$name" "$runs" "$seconds" "$rate" >"$result"
+    return
+  fi
+  {
+    printf 'fail fuzz: %-12s FAILED: %s finding(s), exit %s, %s runs in %s s, %s runs/s; inputs kept in %s\n' \
+      "$name" "$found" "$rc" "${runs:-0}" "$seconds" "${rate:-0}" "$findings"
+    # What the first findings broke, each run again alone, without the stack.
+    local input
+    for input in $(find "$findings" -type f | head -3); do
+      echo "   ${input##*/}:"
+      ASAN_OPTIONS=detect_leaks=1 "$bin" -timeout=10 "$input" 2>&1 |
+        grep -E -A3 '^== property broken|ERROR: (Address|Leak|UndefinedBehavior)Sanitizer|runtime error:|ERROR: libFuzzer: (timeout|out-of-memory)' |
+        grep -vE '^ +#[0-9]|^==[0-9]+==' | head -6
+    done
+  } >"$result"
+}
+
+# Every harness for a bounded time, as many at once as there are jobs; one
+# that ends without a finding counts as passed.
 lane_fuzz() {
   local dir="$build/fuzz" seconds=${QUILTOOL_FUZZ_SECONDS:-15}
   command -v clang++ >/dev/null || { fail_lane fuzz "clang++ is not installed"; return; }
@@ -205,46 +248,22 @@ lane_fuzz() {
   "$dir/bin/fuzz_make_seeds" "$run_tmp/fuzz-seeds" || { fail_lane fuzz "writing the seeds failed"; return; }
   passed[fuzz]=0
   failed[fuzz]=0
-  local bin name log runs rate findings
+  local bin results=() result
   for bin in "$dir"/bin/fuzz_*; do
-    name=${bin##*/fuzz_}
-    [ "$name" = make_seeds ] && continue
-    local inputs=("$run_tmp/fuzz-corpus/$name")
-    mkdir -p "${inputs[0]}"
-    [ -d "$run_tmp/fuzz-seeds/$name" ] && inputs+=("$run_tmp/fuzz-seeds/$name")
-    [ -d "$root/fuzz/corpus/$name" ] && inputs+=("$root/fuzz/corpus/$name")
-    [ -d "$root/fuzz/regressions/$name" ] && inputs+=("$root/fuzz/regressions/$name")
-    findings="$dir/findings/$name"
-    rm -rf "$findings"
-    mkdir -p "$findings"
-    log="$run_tmp/fuzz-$name.log"
-    # Forked jobs keep fuzzing after a finding, so that one known defect
-    # does not hide the next and the rate covers the whole time.
-    ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
-      "$bin" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
-        -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-        -artifact_prefix="$findings/" "${inputs[@]}" >"$log" 2>&1
-    local rc=$? found
-    # Runs from the last progress line ("#<runs>: cov: ..."); the rate over
-    # the whole time, restarts of the forked jobs included.
-    runs=$(grep -oE '^#[0-9]+:' "$log" | tail -1 | tr -d '#:')
-    rate=$(( ${runs:-0} / seconds ))
-    found=$(find "$findings" -type f | wc -l)
-    if [ $rc -eq 0 ] && [ -n "$runs" ] && [ "$found" -eq 0 ]; then
+    [ "${bin##*/}" = fuzz_make_seeds ] && continue
+    result="$run_tmp/fuzz-${bin##*/fuzz_}.result"
+    results+=("$result")
+    while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do wait -n; done
+    fuzz_one "$bin" "$seconds" "$result" "$dir" &
+  done
+  wait
+  for result in "${results[@]}"; do
+    if [ -f "$result" ] && [ "$(head -c 4 "$result")" = pass ]; then
       passed[fuzz]=$(( ${passed[fuzz]} + 1 ))
-      printf 'fuzz: %-12s %8s runs in %s s, %6s runs/s\n' "$name" "$runs" "$seconds" "$rate"
+      cut -c6- "$result"
     else
       failed[fuzz]=$(( ${failed[fuzz]} + 1 ))
-      printf 'fuzz: %-12s FAILED: %s finding(s), exit %s, %s runs in %s s, %s runs/s; inputs kept in %s\n' \
-        "$name" "$found" "$rc" "${runs:-0}" "$seconds" "${rate:-0}" "$findings" >&2
-      # What the first findings broke, each run again alone, without the stack.
-      local input
-      for input in $(find "$findings" -type f | head -3); do
-        echo "   ${input##*/}:" >&2
-        ASAN_OPTIONS=detect_leaks=1 "$bin" -timeout=10 "$input" 2>&1 |
-          grep -E -A3 '^== property broken|ERROR: (Address|Leak|UndefinedBehavior)Sanitizer|runtime error:|ERROR: libFuzzer: (timeout|out-of-memory)' |
-          grep -vE '^ +#[0-9]|^==[0-9]+==' | head -6 >&2
-      done
+      if [ -f "$result" ]; then sed '1s/^fail //' "$result" >&2; else echo "fuzz: ${result##*/} has no result" >&2; fi
     fi
   done
 }
