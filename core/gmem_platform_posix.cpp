@@ -105,6 +105,11 @@ void Unlock(void* handle) {
   if (b->locks > 0) --b->locks;
 }
 
+// std::realloc, out of line: Realloc below goes on with the old block only
+// after a failed call, when it is still there, which the compiler's
+// use-after-free check cannot see through an inlined realloc.
+[[gnu::noinline]] void* Reallocate(void* block, size_t bytes) { return std::realloc(block, bytes); }
+
 void* Realloc(void* handle, size_t size) {
   Block* b = static_cast<Block*>(handle);
   if (size <= b->capacity) {
@@ -120,17 +125,15 @@ void* Realloc(void* handle, size_t size) {
   QT_UNPOISON(DataOf(b), b->capacity);
   // The block leaves the registry before it may move, so no lookup can meet
   // it half-moved; on failure it comes back unchanged.
-  const uintptr_t old = reinterpret_cast<uintptr_t>(b);
   Unregister(b);
-  void* grown = std::realloc(b, sizeof(Block) + capacity);
+  void* grown = Reallocate(b, sizeof(Block) + capacity);
   if (!grown && capacity > size) {
     capacity = size;
-    grown = std::realloc(reinterpret_cast<void*>(old), sizeof(Block) + capacity);
+    grown = Reallocate(b, sizeof(Block) + capacity);
   }
   if (!grown) {
-    Block* same = reinterpret_cast<Block*>(old);
-    Register(same);
-    HideSpare(same);
+    Register(b);
+    HideSpare(b);
     return nullptr;
   }
   Block* moved = static_cast<Block*>(grown);
