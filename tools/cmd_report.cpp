@@ -40,6 +40,8 @@ const char kUsage[] =
     "Exit codes: 0 done, 1 failure (with a message), 2 bad arguments,\n"
     "            3 the project file is held by another user.\n";
 
+const char kStopped[] = "stopped by the user; nothing was written";
+
 int Usage(FILE* err, const std::string& problem) {
   std::fprintf(err, "quiltool report: %s\n%s", problem.c_str(), kUsage);
   return 2;
@@ -57,6 +59,7 @@ struct Job {
   QnListView2 grid;
   std::vector<std::wstring> written;  // removed again when the run does not finish
   int code = 1;
+  bool started = false;  // a cancel before the worker starts skips the work
   std::string message;
 };
 
@@ -126,6 +129,7 @@ bool BuildReport(QnListView2& grid, const std::wstring& title, SimpleReport& rep
 
 bool Work(const ProgressDlgThreaded::UserProcData* d) {
   Job& job = *static_cast<Job*>(d->GetAppData());
+  job.started = true;
   d->SetTitile(job.title.c_str());
   d->SetShowPercentage(true);
   qt_tool::WalkProgress progress;
@@ -142,7 +146,7 @@ bool Work(const ProgressDlgThreaded::UserProcData* d) {
   };
   const int filled = qt_tool::FillReportTable(job.db, job.set, job.grid, progress, &job.message);
   if (filled != 0) {
-    if (filled == 4) job.message = "stopped by the user; nothing was written";
+    if (filled == 4) job.message = kStopped;
     return false;
   }
   job.grid.LoadColumnsFromRegistry(job.layoutKey.c_str(), false);
@@ -152,7 +156,7 @@ bool Work(const ProgressDlgThreaded::UserProcData* d) {
     return false;
   }
   if (d->ShouldTerminate()) {
-    job.message = "stopped by the user; nothing was written";
+    job.message = kStopped;
     return false;
   }
   struct Output {
@@ -169,7 +173,7 @@ bool Work(const ProgressDlgThreaded::UserProcData* d) {
     }
     job.written.push_back(*o.file);
     if (d->ShouldTerminate()) {
-      job.message = "stopped by the user; nothing was written";
+      job.message = kStopped;
       return false;
     }
   }
@@ -232,7 +236,8 @@ int ReportMain(const std::vector<std::string>& args, FILE* out, FILE* err) {
   {
     ProgressDlgThreaded dialog(nullptr, L"quiltool report", job.title.c_str(), 2, true, &Work, &job);
     dialog.SetAllowKillThread(false);
-    dialog.StartModal();
+    const LONG_PTR ended = dialog.StartModal();
+    if (!job.started) job.message = ended == 3 ? "the worker thread could not be started" : kStopped;
   }
   if (job.code != 0) {
     RemoveWritten(job);

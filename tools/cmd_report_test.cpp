@@ -92,7 +92,7 @@ TEST_F(ReportCommand, FileHeldByAnotherUserGivesThreeNamesTheHolderAndWritesNoth
   if (!holder.empty()) {
     EXPECT_NE(std::wstring::npos, messages_.AllText().find(L"Locked: " + holder)) << qt_test::Narrow(messages_.AllText());
   }
-  EXPECT_EQ("", qt_test::ReadFileBytes(xml));
+  EXPECT_EQ(0u, qt_test::ReadFileBytes(xml).size());
 }
 
 TEST_F(ReportCommand, FileThatIsNotAProjectFailsAndStaysAsItWas) {
@@ -109,10 +109,10 @@ TEST_F(ReportCommand, FileThatIsNotAProjectFailsAndStaysAsItWas) {
   EXPECT_EQ(1, r.code);
   EXPECT_NE(std::string::npos, r.err.find("not a project database")) << r.err;
   EXPECT_EQ(before, qt_test::ReadFileBytes(foreign));
-  EXPECT_EQ("", qt_test::ReadFileBytes(xml));
+  EXPECT_EQ(0u, qt_test::ReadFileBytes(xml).size());
   EXPECT_EQ(2, RunTool("report", {}).code);
   EXPECT_EQ(1, Report({"--set", "NOSUCHSET", "--out", xml}).code);
-  EXPECT_EQ("", qt_test::ReadFileBytes(xml));
+  EXPECT_EQ(0u, qt_test::ReadFileBytes(xml).size());
   EXPECT_FALSE(LockFileLeft());
 }
 
