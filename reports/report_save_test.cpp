@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "QnListView2.h"
+#include "clipboard_recorder.h"
 #include "core/fs_platform.h"
 #include "qn_clipboard.h"
 #include "qn_presenter.h"
@@ -86,20 +87,6 @@ class Presenter : public QnReportPresenter {
 
  private:
   QnReportPresenter* previous_;
-};
-
-class Clipboard : public QnClipboardPresenter {
- public:
-  Clipboard() : previous_(qn_set_clipboard_presenter(this)) {}
-  ~Clipboard() override { qn_set_clipboard_presenter(previous_); }
-  bool putText(HWND, const wchar_t* value) override {
-    text = value;
-    return true;
-  }
-  std::wstring text;
-
- private:
-  QnClipboardPresenter* previous_;
 };
 
 void FillSample(SimpleReport* report) {
@@ -238,7 +225,7 @@ TEST(ReportWindow, CommandsGoThroughTheCallbackFirst) {
   qt_test::TempDir dir;
   RecordingPlatform platform;
   Presenter presenter;
-  Clipboard clipboard;
+  qt_test::ClipboardRecorder clipboard;
   SimpleReport report;
   FillSample(&report);
   CountingCallback callback;

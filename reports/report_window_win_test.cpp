@@ -12,6 +12,7 @@
 #include "QnListView2.h"
 #include "Registry.h"
 #include "SimpleReport.h"
+#include "clipboard_recorder.h"
 #include "qn_clipboard.h"
 #include "reports/report_resource.h"
 #include "screenshot_win.h"
@@ -21,20 +22,6 @@ namespace {
 
 typedef SimpleReport::CellData Cell;
 typedef SimpleReport::ColumnData Column;
-
-class Clipboard : public QnClipboardPresenter {
- public:
-  Clipboard() : previous_(qn_set_clipboard_presenter(this)) {}
-  ~Clipboard() override { qn_set_clipboard_presenter(previous_); }
-  bool putText(HWND, const wchar_t* value) override {
-    text = value;
-    return true;
-  }
-  std::wstring text;
-
- private:
-  QnClipboardPresenter* previous_;
-};
 
 std::wstring TextOf(HWND window) {
   wchar_t buffer[256] = {0};
@@ -106,7 +93,7 @@ struct Seen {
 } g_seen;
 
 TEST_F(ReportWindowWin, TextsMenuZoomAndCopyAsTheUserSeesThem) {
-  Clipboard clipboard;
+  qt_test::ClipboardRecorder clipboard;
   SimpleReport report;
   FillSample(&report);
   Driver driver;
