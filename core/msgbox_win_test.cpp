@@ -13,41 +13,9 @@
 #include "qt_test_win.h"
 #include "screenshot_win.h"
 
-namespace {
-
-struct SeenBox {
-  bool found = false;
-  std::wstring caption;
-  std::wstring text;
-};
-
-// Waits for a dialog-class window with this caption, reads it and presses
-// the button `button`.
-std::thread PressWhenShown(const wchar_t* caption, int button, SeenBox* seen) {
-  return std::thread([=] {
-    for (int i = 0; i < 300 && !seen->found; ++i) {
-      HWND box = qt_test::FindOwnWindow(L"#32770", caption);
-      if (!box) {
-        Sleep(50);
-        continue;
-      }
-      wchar_t buffer[512];
-      GetWindowTextW(box, buffer, 512);
-      seen->caption = buffer;
-      // A message box's text is its static control 0xFFFF.
-      GetDlgItemTextW(box, 0xFFFF, buffer, 512);
-      seen->text = buffer;
-      seen->found = true;
-      PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
-    }
-  });
-}
-
-}  // namespace
-
 TEST(RealMessageBox, YesNoQuestionIsShownAndAnswered) {
-  SeenBox seen;
-  std::thread watcher = PressWhenShown(L"Quillon", IDNO, &seen);
+  qt_test::SeenBox seen;
+  std::thread watcher = qt_test::PressWhenShown(L"Quillon", IDNO, &seen);
   const int answer = gwyesnomsg(nullptr, L"Delete the storey?");
   watcher.join();
   ASSERT_TRUE(seen.found);
@@ -57,14 +25,14 @@ TEST(RealMessageBox, YesNoQuestionIsShownAndAnswered) {
 }
 
 TEST(RealMessageBox, ApplicationCaptionAndNarrowCaption) {
-  SeenBox seen;
-  std::thread watcher = PressWhenShown(L"Quillon-R", IDYES, &seen);
+  qt_test::SeenBox seen;
+  std::thread watcher = qt_test::PressWhenShown(L"Quillon-R", IDYES, &seen);
   EXPECT_EQ(IDYES, gwyesnomsg(nullptr, Lng::APP_QNR, L"Rebuild rooms?"));
   watcher.join();
   EXPECT_TRUE(seen.found);
 
-  SeenBox narrow;
-  watcher = PressWhenShown(L"Q", IDOK, &narrow);
+  qt_test::SeenBox narrow;
+  watcher = qt_test::PressWhenShown(L"Q", IDOK, &narrow);
   gwmsg(nullptr, "I/O - error");
   watcher.join();
   ASSERT_TRUE(narrow.found);
@@ -82,8 +50,8 @@ TEST(RealMessageBox, FocusGoesBackToTheWindowThatHadIt) {
   SetFocus(edit);
   ASSERT_EQ(edit, GetFocus());
 
-  SeenBox seen;
-  std::thread watcher = PressWhenShown(L"Quillon", IDOK, &seen);
+  qt_test::SeenBox seen;
+  std::thread watcher = qt_test::PressWhenShown(L"Quillon", IDOK, &seen);
   gwmsg(frame, L"Saved.");
   watcher.join();
   EXPECT_TRUE(seen.found);
@@ -95,7 +63,7 @@ TEST(RealMessageBox, FocusGoesBackToTheWindowThatHadIt) {
 // is answered; the text and buttons are checked either way.
 TEST(RealMessageBox, ScreenshotOfTheYesNoQuestion) {
   std::atomic<bool> shot{false};
-  SeenBox seen;
+  qt_test::SeenBox seen;
   std::thread watcher([&] {
     for (int i = 0; i < 300 && !seen.found; ++i) {
       HWND box = qt_test::FindOwnWindow(L"#32770", L"Quillon");

@@ -13,38 +13,12 @@
 #include "qt_test_win.h"
 #include "reports/msexcel_fake_server_win.h"
 
-namespace {
-
-struct SeenBox {
-  bool found = false;
-  std::wstring text;
-};
-
-std::thread DismissWhenShown(const wchar_t* caption, SeenBox* seen) {
-  return std::thread([=] {
-    for (int i = 0; i < 300 && !seen->found; ++i) {
-      HWND box = qt_test::FindOwnWindow(L"#32770", caption);
-      if (!box) {
-        Sleep(50);
-        continue;
-      }
-      wchar_t buffer[512];
-      GetDlgItemTextW(box, 0xFFFF, buffer, 512);
-      seen->text = buffer;
-      seen->found = true;
-      PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, IDOK)));
-    }
-  });
-}
-
-}  // namespace
-
 TEST(AutoWrapOnScreen, EachFailureShowsItsMessageAndAnswersItsCode) {
   excel_test::FakeServer server;
   ASSERT_TRUE(server.registerClass(L"--fail-lookup=Visible --fail-invoke=Name"));
 
-  SeenBox nullObject;
-  std::thread watcher = DismissWhenShown(L"Error", &nullObject);
+  qt_test::SeenBox nullObject;
+  std::thread watcher = qt_test::PressWhenShown(L"Error", IDOK, &nullObject);
   VARIANT result;
   EXPECT_EQ(E_POINTER, AutoWrap(DISPATCH_PROPERTYGET, &result, nullptr, L"Visible", 0));
   watcher.join();
@@ -58,15 +32,15 @@ TEST(AutoWrapOnScreen, EachFailureShowsItsMessageAndAnswersItsCode) {
   ASSERT_EQ(S_OK, CoCreateInstance(id, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
                                    reinterpret_cast<void**>(&application)));
 
-  SeenBox lookup;
-  watcher = DismissWhenShown(L"AutoWrap()", &lookup);
+  qt_test::SeenBox lookup;
+  watcher = qt_test::PressWhenShown(L"AutoWrap()", IDOK, &lookup);
   EXPECT_EQ(DISP_E_UNKNOWNNAME, AutoWrap(DISPATCH_PROPERTYGET, &result, application, L"Visible", 0));
   watcher.join();
   ASSERT_TRUE(lookup.found);
   EXPECT_EQ(L"IDispatch::GetIDsOfNames(\"Visible\") failed w/err 0x80020006", lookup.text);
 
-  SeenBox invoke;
-  watcher = DismissWhenShown(L"AutoWrap()", &invoke);
+  qt_test::SeenBox invoke;
+  watcher = qt_test::PressWhenShown(L"AutoWrap()", IDOK, &invoke);
   EXPECT_EQ(DISP_E_EXCEPTION, AutoWrap(DISPATCH_PROPERTYGET, &result, application, L"Name", 0));
   watcher.join();
   ASSERT_TRUE(invoke.found);
