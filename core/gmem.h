@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstring>
 
-
 struct QtGmemCalls {
   // GlobalAlloc(GMEM_MOVEABLE | (zero ? GMEM_ZEROINIT : 0), size)
   void* (*alloc)(size_t size, bool zero);
@@ -41,29 +40,19 @@ size_t qt_gmem_size(const void* pointer);
 // The table qt_gmem_calls() hands out, named for the inline step below.
 extern QtGmemCalls qt_gmem_calls_in_use;
 
-// Declared with the platform's other steps in core/gmem_platform.h, whose
-// header needs the table above.
+// The Linux table's own in-place step (core/gmem_platform.h). While the
+// table in use still holds it, a caller may take the platform's shortcuts
+// that bypass the table; a test that replaces the step turns them off.
 namespace qt {
 namespace gmem {
 namespace platform {
 bool ResizeInPlace(void* pointer, size_t size);
-bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n);
 }  // namespace platform
 }  // namespace gmem
 }  // namespace qt
 
-// gwGrealloc's first step for a block growing by n bytes taken from
-// source: the block is resized where it lies when the table can and it has
-// the room, and the bytes copied to its new end; false otherwise, and then
-// nothing has changed. Appending one record takes this step every time and
-// little else, so it is inline and, with the platform's own table, one call.
-inline bool qt_gmem_append_in_place(void* pointer, size_t size, const void* source, size_t n) {
-  bool (*resize)(void*, size_t) = qt_gmem_calls_in_use.resizeInPlace;
-  if (!pointer || !resize || n > size) return false;
-  if (resize == qt::gmem::platform::ResizeInPlace) return qt::gmem::platform::AppendInPlace(pointer, size, source, n);
-  if (!resize(pointer, size)) return false;
-  std::memmove(static_cast<char*>(pointer) + (size - n), source, n);
-  return true;
+inline bool qt_gmem_own_resize_in_use() {
+  return qt_gmem_calls_in_use.resizeInPlace == qt::gmem::platform::ResizeInPlace;
 }
 
 #endif

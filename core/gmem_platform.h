@@ -12,6 +12,7 @@
 #define QUILTOOL_CORE_GMEM_PLATFORM_H
 
 #include "core/gmem.h"
+#include "gwarray.h"
 
 namespace qt {
 namespace gmem {
@@ -23,11 +24,16 @@ const QtGmemCalls* DefaultCalls();
 // The table's resizeInPlace entry where the platform has one (Linux);
 // Windows defines it to refuse, and leaves its table's entry null.
 bool ResizeInPlace(void* pointer, size_t size);
-// ResizeInPlace followed by copying n bytes from source to the block's new
-// end, in one step: appending a record to an array does nothing else, as
-// often as a program can call it. For a table whose entry is the platform's
-// own; a source inside the block is fine, as the block does not move.
-bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n);
+// Appends one record to an array whose block has hidden room for it: the
+// block stays where it is, its size becomes exactly the new count's, the
+// record is copied to its end and the count goes up; a record from inside
+// the block is fine. Everything else (no block yet, no room, a pointer
+// that is not one of ours) is handed to `otherwise` with the same
+// arguments as a tail call, so that the common case is a single leaf call.
+// The caller has checked the header (gwarray_records.h Usable) and that
+// the platform's own table is in use. Windows always hands over.
+using AppendRecordStep = int (*)(gwarraytype* array, const void* record);
+int AppendRecord(gwarraytype* array, const void* record, AppendRecordStep otherwise);
 
 }  // namespace platform
 }  // namespace gmem

@@ -3,6 +3,7 @@
 // is registered, so a pointer that the library did not hand out is told
 // apart without reading memory in front of it.
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -92,12 +93,23 @@ __attribute__((noinline)) void* LookUp(const Block* candidate, uint64_t generati
   return const_cast<Block*>(candidate);
 }
 
+// The block of pointer when it is the one this thread looked up last and
+// nothing has gone away or moved since; null otherwise.
+inline Block* CachedHandle(const void* pointer) {
+  // Computed as a number: a null pointer gives a candidate that no block
+  // has, without arithmetic on the null pointer itself.
+  const uintptr_t candidate = reinterpret_cast<uintptr_t>(pointer) - sizeof(Block);
+  if (reinterpret_cast<uintptr_t>(t_lookup.block) == candidate &&
+      t_lookup.generation == g_generation.load(std::memory_order_acquire))
+    return const_cast<Block*>(t_lookup.block);
+  return nullptr;
+}
+
 inline void* Handle(const void* pointer) {
   if (!pointer) return nullptr;
+  if (Block* cached = CachedHandle(pointer)) return cached;
   const Block* candidate = reinterpret_cast<const Block*>(static_cast<const char*>(pointer) - sizeof(Block));
-  const uint64_t generation = g_generation.load(std::memory_order_acquire);
-  if (t_lookup.block == candidate && t_lookup.generation == generation) return const_cast<Block*>(candidate);
-  return LookUp(candidate, generation);
+  return LookUp(candidate, g_generation.load(std::memory_order_acquire));
 }
 
 void Unlock(void* handle) {
@@ -153,22 +165,66 @@ void Free(void* handle) {
 
 size_t Size(void* handle) { return static_cast<Block*>(handle)->size; }
 
-// The copy sizes of common records are spelt out, so that they become
-// single moves instead of a call.
-void CopyRecord(char* to, const void* from, size_t n) {
+// The last step of an append with room, for records of other sizes than
+// the common ones.
+[[gnu::noinline]] int AppendOtherRecord(gwarraytype* array, char* slot, const void* record, size_t n) {
+  std::memmove(slot, record, n);
+  ++array->count;
+  return 0;
+}
+
+inline void CopyWord(char* to, const char* from) {
+  uint32_t word;
+  std::memcpy(&word, from, 4);
+  std::memcpy(to, &word, 4);
+}
+
+// Appends to b, which holds the array's records, when it has room. Every
+// call below is a tail call, so that the common case needs no frame; an
+// append costs a few nanoseconds, and a frame would be a good part of it.
+inline int AppendTo(Block* b, gwarraytype* array, const void* record,
+                    qt::gmem::platform::AppendRecordStep otherwise) {
+  const int count = array->count;
+  // A negative record size turns into a size beyond any block's room.
+  const size_t n = static_cast<size_t>(array->recordSize);
+  const size_t size = (static_cast<size_t>(count) + 1) * n;
+  if (static_cast<unsigned>(count) >= INT_MAX || size > b->capacity || n == 0) return otherwise(array, record);
+  QT_UNPOISON(DataOf(b), b->capacity);
+  b->size = size;
+  HideSpare(b);
+  // A record from inside the block stays where it was: the block did not
+  // move, and the new slot lies beyond every old record.
+  char* slot = DataOf(b) + size - n;
+  // Callers fill a record field by field just before appending it. Read in
+  // 4-byte words, each part comes straight from the caller's store; a wider
+  // read over several narrower stores waits until they reach the cache,
+  // which costs more than the rest of the append.
+  const char* source = static_cast<const char*>(record);
   switch (n) {
-    case 4:
-      std::memmove(to, from, 4);
-      break;
-    case 8:
-      std::memmove(to, from, 8);
-      break;
     case 16:
-      std::memmove(to, from, 16);
+      CopyWord(slot + 12, source + 12);
+      CopyWord(slot + 8, source + 8);
+      // fall through
+    case 8:
+      CopyWord(slot + 4, source + 4);
+      // fall through
+    case 4:
+      CopyWord(slot, source);
       break;
     default:
-      std::memmove(to, from, n);
+      return AppendOtherRecord(array, slot, record, n);
   }
+  array->count = count + 1;
+  return 0;
+}
+
+// The append when the array's block is not the one this thread looked up
+// last: the full look-up first.
+[[gnu::noinline]] int AppendAfterLookUp(gwarraytype* array, const void* record,
+                                        qt::gmem::platform::AppendRecordStep otherwise) {
+  Block* b = array->data ? static_cast<Block*>(Handle(array->data)) : nullptr;
+  if (!b) return otherwise(array, record);
+  return AppendTo(b, array, record, otherwise);
 }
 
 const QtGmemCalls kPosixCalls = {Alloc, Lock, Handle, Unlock, Realloc, Free, Size,
@@ -191,15 +247,10 @@ bool ResizeInPlace(void* pointer, size_t size) {
   return true;
 }
 
-bool AppendInPlace(void* pointer, size_t size, const void* source, size_t n) {
-  Block* b = static_cast<Block*>(Handle(pointer));
-  if (!b || size > b->capacity || n > size) return false;
-  QT_UNPOISON(DataOf(b), b->capacity);
-  b->size = size;
-  HideSpare(b);
-  // A source inside the block stays where it was: the block did not move.
-  CopyRecord(DataOf(b) + size - n, source, n);
-  return true;
+int AppendRecord(gwarraytype* array, const void* record, AppendRecordStep otherwise) {
+  Block* b = CachedHandle(array->data);
+  if (!b) return AppendAfterLookUp(array, record, otherwise);
+  return AppendTo(b, array, record, otherwise);
 }
 
 }  // namespace platform

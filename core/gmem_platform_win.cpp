@@ -24,7 +24,7 @@ const QtGmemCalls* DefaultCalls() { return &kWindowsCalls; }
 
 // GlobalReAlloc decides where a block goes; there is no room of our own.
 bool ResizeInPlace(void*, size_t) { return false; }
-bool AppendInPlace(void*, size_t, const void*, size_t) { return false; }
+int AppendRecord(gwarraytype* array, const void* record, AppendRecordStep otherwise) { return otherwise(array, record); }
 
 }  // namespace platform
 }  // namespace gmem

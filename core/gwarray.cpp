@@ -8,6 +8,7 @@
 #include "core/array_monitor.h"
 #include "core/frame_state.h"
 #include "core/gmem.h"
+#include "core/gmem_platform.h"
 #include "core/gwarray_records.h"
 
 using qt::gwarray::InRange;
@@ -91,19 +92,23 @@ int gwarray_init(gwarraytype* array, int recordSize) {
   return 0;
 }
 
-int gwarray_append(gwarraytype* array, const void* record) {
-  if (!Usable(array) || !record) return -1;
-  // Appending one record to a block with hidden room is the common case:
-  // it is taken here without the general path's calls. The block does not
-  // move, so a record from inside it stays where it is.
-  const size_t size = static_cast<size_t>(array->recordSize);
-  const unsigned long long bytes = (static_cast<unsigned long long>(array->count) + 1) * size;
-  if (array->count < std::numeric_limits<int>::max() && bytes <= std::numeric_limits<unsigned long>::max() &&
-      qt_gmem_append_in_place(array->data, static_cast<size_t>(bytes), record, size)) {
-    ++array->count;
-    return 0;
-  }
+namespace {
+
+int AppendOneRecord(gwarraytype* array, const void* record) {
+  if (!Usable(array)) return -1;
   return qt::gwarray::AppendRecords(array, record, 1, "gwarray_append() out of memory");
+}
+
+}  // namespace
+
+int gwarray_append(gwarraytype* array, const void* record) {
+  // The platform's step reads the header only as far as it can trust it
+  // and hands everything doubtful back here, to the full checks.
+  if (!array || !record) return -1;
+  // Appending one record to a block with hidden room is what a program does
+  // most; the platform takes it in one step and hands everything else back.
+  if (qt_gmem_own_resize_in_use()) return qt::gmem::platform::AppendRecord(array, record, AppendOneRecord);
+  return AppendOneRecord(array, record);
 }
 
 int gwarray_append_array(gwarraytype* array, const gwarraytype* other) {

@@ -119,6 +119,36 @@ TEST(GwarrayGrowth, AnInPlaceStepOfAnotherTableIsHonoured) {
   gwarray_release(&a);
 }
 
+
+// Headers that a caller damaged, or filled in by hand, are refused before
+// anything is written, even when the block behind them has room.
+TEST(GwarrayGrowth, DamagedHeadersAreRefusedAndTheBlockKeepsItsRecords) {
+  gwarraytype a = IntArray({1, 2, 3, 4});
+  const int extra = 9;
+  ASSERT_EQ(0, gwarray_delete(&a, 3)) << "keeps the block, so there is room for one record";
+  const gwarraytype good = a;
+
+  gwarraytype damaged = good;
+  damaged.count = -1;
+  EXPECT_EQ(-1, gwarray_append(&damaged, &extra));
+  damaged = good;
+  damaged.recordSize = 0;
+  EXPECT_EQ(-1, gwarray_append(&damaged, &extra));
+  damaged = good;
+  damaged.recordSize = -4;
+  EXPECT_EQ(-1, gwarray_append(&damaged, &extra));
+  damaged = good;
+  damaged.data = nullptr;
+  EXPECT_EQ(-1, gwarray_append(&damaged, &extra));
+  EXPECT_EQ(-1, gwarray_append(nullptr, &extra));
+  EXPECT_EQ(-1, gwarray_append(&a, nullptr));
+
+  EXPECT_EQ(16u, qt_gmem_size(a.data));
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), Ints(a));
+  ASSERT_EQ(0, gwarray_append(&a, &extra));
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 9}), Ints(a));
+  gwarray_release(&a);
+}
 TEST(GwarrayRecords, InsertGetUpdateAndOutOfRangeIndexes) {
   gwarraytype a = IntArray({1, 2, 3});
   const int seven = 7, eight = 8, nine = 9;
