@@ -12,6 +12,7 @@
 #include <unordered_set>
 
 #include "core/gmem_platform.h"
+#include "core/hot_thread_local.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -48,9 +49,7 @@ struct CachedLookup {
   const Block* block = nullptr;
   uint64_t generation = 0;
 };
-// initial-exec: the library is loaded with its host, and the general TLS
-// model would cost a __tls_get_addr call on every lookup.
-__attribute__((tls_model("initial-exec"))) thread_local CachedLookup t_lookup;
+QT_HOT_THREAD_LOCAL CachedLookup t_lookup;
 
 void Register(Block* b) {
   std::lock_guard<std::mutex> lock(Blocks().mutex);

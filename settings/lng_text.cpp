@@ -7,6 +7,7 @@
 #include "Lng.h"
 #include "Registry.h"
 #include "core/boundary.h"
+#include "core/hot_thread_local.h"
 #include "core/module_platform.h"
 #include "settings/lng_apptable.h"
 #include "settings/lng_internal.h"
@@ -59,12 +60,26 @@ bool ReadShowStringIds() {
   return std::wcscmp(Registry::GetStringAtt(nullptr, L"Developer/ShowStringIDs", no), L"yesplease") == 0;
 }
 
+// Each thread's copy of the last answer and its mark, checked again
+// without locks where the platform can (Linux); there the whole check is a
+// few loads. Plain data, so that threads end without destructors.
+struct SwitchSnapshot {
+  bool valid;
+  bool show;
+  unsigned long keyGeneration;
+  qt::setting_watch::platform::Mark mark;
+};
+QT_HOT_THREAD_LOCAL SwitchSnapshot t_switch;
+
 bool ShowStringIds() {
   namespace watch = qt::setting_watch::platform;
-  SwitchCache& c = Switch();
-  std::lock_guard<std::mutex> lock(c.mutex);
   // RegInt_Init may have named another application key since.
   const qt_registry::State& settings = qt_registry::Reg();
+  SwitchSnapshot& mine = t_switch;
+  if (mine.valid && mine.keyGeneration == settings.keyGeneration && watch::Unchanged(mine.mark)) return mine.show;
+  SwitchCache& c = Switch();
+  std::lock_guard<std::mutex> lock(c.mutex);
+  mine.valid = false;
   if (!c.watching || c.keyGeneration != settings.keyGeneration) {
     watch::Close(c.watch);
     c.watch = settings.basePath[0] ? watch::Open(settings.basePath) : nullptr;
@@ -74,10 +89,14 @@ bool ShowStringIds() {
   }
   watch::Mark now;
   const bool marked = c.watch && watch::Take(c.watch, &now);
-  if (marked && c.known && now == c.mark) return c.show;
-  c.show = ReadShowStringIds();
-  c.known = marked;
+  if (!(marked && c.known && now == c.mark)) {
+    c.show = ReadShowStringIds();
+    c.known = marked;
+  }
+  // The mark taken before the read is the one kept: a change after it
+  // shows as a different counter at the next check.
   c.mark = now;
+  if (marked) mine = SwitchSnapshot{true, c.show, c.keyGeneration, now};
   return c.show;
 }
 

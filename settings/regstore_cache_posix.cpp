@@ -87,7 +87,10 @@ bool ChangeCounter::open(const std::string& path, bool create, mode_t mode, cons
 
 void ChangeCounter::close() {
   if (announced_) complete();
-  if (word_) munmap(word_, kCounterFileBytes);
+  // The mapping is left in place: callers that check a mark without the
+  // store's lock may still read the word. A counter file is opened again
+  // only when a store is closed, which is rare, and costs a page of
+  // address space each time.
   if (fd_ >= 0) ::close(fd_);
   word_ = nullptr;
   fd_ = -1;
@@ -145,7 +148,7 @@ void ChangeCounter::forgetAfterFork() {
   // belongs to the open file, which the parent keeps open); unlocking
   // would not.
   announced_ = false;
-  if (word_) munmap(word_, kCounterFileBytes);
+  // Left mapped, as in close().
   if (fd_ >= 0) ::close(fd_);
   word_ = nullptr;
   fd_ = -1;

@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -52,6 +53,8 @@ class ChangeCounter {
   bool open(const std::string& path, bool create, mode_t mode, const std::string& ownerFile);
   void close();
   bool isOpen() const { return word_ != nullptr; }
+  // The mapped word, null when closed; it stays mapped after close.
+  const uint64_t* word() const { return word_; }
   bool writable() const { return writable_; }
   // Whether path still names the file that is mapped.
   bool isFile(const std::string& path) const;
@@ -108,9 +111,23 @@ class ReadCache {
   uint64_t value_ = 0;
 };
 
+// What tells, without the store's lock, that a mark still holds: the
+// counter's word, which stays mapped for the life of the process, the
+// store's epoch, and when the store's files are next due to be looked at.
+struct UnlockedCheck {
+  const uint64_t* word = nullptr;
+  const std::atomic<uint64_t>* epoch = nullptr;
+  int64_t dueMs = 0;
+};
+
 // The current user's store's mark (Store::mark), taken before reading
-// settings that a caller keeps while the mark stays the same.
-bool UserStoreMark(uint64_t* counter, uint64_t* epoch);
+// settings that a caller keeps while the mark stays the same; with check,
+// also what UserStoreMarkHolds needs.
+bool UserStoreMark(uint64_t* counter, uint64_t* epoch, UnlockedCheck* check = nullptr);
+// Whether nothing has changed since UserStoreMark gave counter and epoch
+// with check, told with two loads and the coarse clock. False also when a
+// look at the files is due: the caller then takes a new mark, which looks.
+bool UserStoreMarkHolds(const UnlockedCheck& check, uint64_t counter, uint64_t epoch);
 
 // Test seams, not for callers.
 // Statements the store has run in this process.

@@ -169,6 +169,38 @@ TEST_F(StoreCache, AnotherProcessesChangesAreSeenByTheNextRead) {
   EXPECT_EQ(get(L"Shared/B"), 2);
 }
 
+// A mark checked without the store's lock must fall the moment anything
+// changes, from any process, and once a look at the files is due.
+TEST_F(StoreCache, AMarkCheckedWithoutTheLockHoldsOnlyWhileNothingChanges) {
+  Peer peer(company());
+  ASSERT_TRUE(Registry::SetIntAtt(nullptr, L"Shared/A", 1));
+  uint64_t counter = 0, epoch = 0;
+  qt_reg::UnlockedCheck check;
+  const auto mark = [&] { return qt_reg::UserStoreMark(&counter, &epoch, &check); };
+  const auto holds = [&] { return qt_reg::UserStoreMarkHolds(check, counter, epoch); };
+
+  ASSERT_TRUE(mark());
+  ASSERT_NE(nullptr, check.word);
+  EXPECT_TRUE(holds());
+  EXPECT_EQ(get(L"Shared/A"), 1);
+  EXPECT_TRUE(holds()) << "reading changes nothing";
+
+  EXPECT_EQ(peer.ask("set Shared/A 2"), "ok");
+  EXPECT_FALSE(holds()) << "another process wrote";
+  ASSERT_TRUE(mark());
+  EXPECT_TRUE(holds());
+  ASSERT_TRUE(Registry::SetIntAtt(nullptr, L"Shared/A", 3));
+  EXPECT_FALSE(holds()) << "this process wrote";
+
+  qt_reg::SetStoreRecheckInterval(5);
+  ASSERT_TRUE(mark());
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  EXPECT_FALSE(holds()) << "a look at the files is due";
+  qt_reg::SetStoreRecheckInterval(0);
+  ASSERT_TRUE(mark());
+  EXPECT_FALSE(holds()) << "looks due on every call leave nothing to check without the lock";
+}
+
 TEST_F(StoreCache, AKilledWriterLeavesNoStaleAnswerBehind) {
   ASSERT_TRUE(Registry::SetIntAtt(nullptr, L"Job/State", 1));
   EXPECT_EQ(get(L"Job/State"), 1);

@@ -606,12 +606,14 @@ std::string StoreProblem(HKEY root) {
   return std::string();
 }
 
-bool UserStoreMark(uint64_t* counter, uint64_t* epoch) {
+bool UserStoreMark(uint64_t* counter, uint64_t* epoch, UnlockedCheck* check) {
   try {
     std::lock_guard<std::mutex> lock(Global().mutex);
     Store& store = Global().user;
     store.refresh();
-    return store.mark(counter, epoch);
+    if (!store.mark(counter, epoch)) return false;
+    if (check) *check = store.unlockedCheck();
+    return true;
   } catch (...) {
   }
   return false;

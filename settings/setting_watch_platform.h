@@ -23,6 +23,13 @@ struct Watch;
 struct Mark {
   uint64_t counter = 0;
   uint64_t epoch = 0;
+  // Where a mark can be checked again without locks (Linux): the words to
+  // read and until when, as the platform's store hands them out. Never
+  // freed while the process runs, so a copy of the mark may be kept per
+  // thread.
+  const uint64_t* counterWord = nullptr;
+  const void* epochWord = nullptr;
+  int64_t dueMs = 0;
   bool operator==(const Mark& other) const { return counter == other.counter && epoch == other.epoch; }
   bool operator!=(const Mark& other) const { return !(*this == other); }
 };
@@ -39,6 +46,13 @@ void Close(Watch* watch);
 // store that other processes cannot announce their changes to): the caller
 // then reads afresh and keeps nothing.
 bool Take(Watch* watch, Mark* mark);
+
+// True when nothing under the key can have changed since mark was taken,
+// told without the watch, without locks and without system calls; false
+// when that cannot be told so, and then the caller takes a new mark.
+// Windows always answers false: its watch is an event that a second
+// thread could close under the caller.
+bool Unchanged(const Mark& mark);
 
 }  // namespace platform
 }  // namespace setting_watch

@@ -19,7 +19,20 @@ void Close(Watch* watch) { delete watch; }
 
 bool Take(Watch* watch, Mark* mark) {
   if (!watch || !mark) return false;
-  return qt_reg::UserStoreMark(&mark->counter, &mark->epoch);
+  qt_reg::UnlockedCheck check;
+  if (!qt_reg::UserStoreMark(&mark->counter, &mark->epoch, &check)) return false;
+  mark->counterWord = check.word;
+  mark->epochWord = check.epoch;
+  mark->dueMs = check.dueMs;
+  return true;
+}
+
+bool Unchanged(const Mark& mark) {
+  qt_reg::UnlockedCheck check;
+  check.word = mark.counterWord;
+  check.epoch = static_cast<const std::atomic<uint64_t>*>(mark.epochWord);
+  check.dueMs = mark.dueMs;
+  return qt_reg::UserStoreMarkHolds(check, mark.counter, mark.epoch);
 }
 
 }  // namespace platform

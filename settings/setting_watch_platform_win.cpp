@@ -99,6 +99,8 @@ bool Take(Watch* w, Mark* mark) {
   return true;
 }
 
+bool Unchanged(const Mark&) { return false; }
+
 }  // namespace platform
 }  // namespace setting_watch
 }  // namespace qt

@@ -306,6 +306,7 @@ void Store::forgetAfterFork() {
   group_ = false;
   counter_.forgetAfterFork();
   cache_.clear();
+  ++epoch_;
   counterAllowed_ = cacheAllowed_ = false;
 }
 
@@ -326,9 +327,21 @@ bool Store::mark(uint64_t* counter, uint64_t* epoch) {
   // A read group's transaction may see an older state than the counter
   // names, and a read made inside it would be kept under the newer mark.
   if (inRead_ && (!groupSettled_ || groupValue_ != *counter)) return false;
-  *epoch = epoch_;
+  *epoch = epoch_.load();
   return true;
 }
+
+UnlockedCheck Store::unlockedCheck() const {
+  UnlockedCheck check;
+  const int every = g_recheckMs.load();
+  // With a look at the files due on every call, no mark holds without it.
+  if (every == 0) return check;
+  check.word = counter_.word();
+  check.epoch = &epoch_;
+  check.dueMs = every < 0 ? INT64_MAX : lastCheckMs_ + every;
+  return check;
+}
+
 
 void Store::keep(const std::string& key, CachedRead&& answer) {
   if (fill_ && (answer.rc == kOk || answer.rc == kFileNotFound || answer.rc == kKeyDeleted))
@@ -637,4 +650,10 @@ void Store::note(const std::string& what) {
 }
 
 }  // namespace sqlite_store
+
+bool UserStoreMarkHolds(const UnlockedCheck& check, uint64_t counter, uint64_t epoch) {
+  return check.word && __atomic_load_n(check.word, __ATOMIC_ACQUIRE) == counter &&
+         check.epoch->load(std::memory_order_acquire) == epoch && sqlite_store::NowMs() < check.dueMs;
+}
+
 }  // namespace qt_reg

@@ -21,6 +21,7 @@
 #include <sqlite3.h>
 #include <sys/types.h>
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -148,6 +149,8 @@ class Store {
   // counter cannot tell. False when the store is not open, not cached, in
   // a write group or being written.
   bool mark(uint64_t* counter, uint64_t* epoch);
+  // After a mark: what checks it again without the lock.
+  UnlockedCheck unlockedCheck() const;
 
   // Around every write (see WriteGuard). Without a counter file that can be
   // written no write happens at all: processes caching the store would
@@ -218,7 +221,7 @@ class Store {
   ino_t fileIno_ = 0;
   int64_t lastCheckMs_ = 0;
   unsigned generation_ = 0;
-  uint64_t epoch_ = 0;
+  std::atomic<uint64_t> epoch_{0};
   ChangeCounter counter_;
   bool counterAllowed_ = false;
   bool cacheAllowed_ = false;

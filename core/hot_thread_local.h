@@ -1,0 +1,15 @@
+// Thread-local data read on a hot path. In a shared library on Linux a
+// thread_local normally costs a call to find the library's block on every
+// access; the initial-exec model makes it one load from the thread pointer.
+// The library is linked by its hosts, not opened later, so the few bytes
+// it takes from the static block are there. Windows has no such models.
+#ifndef QUILTOOL_CORE_HOT_THREAD_LOCAL_H
+#define QUILTOOL_CORE_HOT_THREAD_LOCAL_H
+
+#if defined(__GNUC__) && !defined(_WIN32)
+#define QT_HOT_THREAD_LOCAL __attribute__((tls_model("initial-exec"))) thread_local
+#else
+#define QT_HOT_THREAD_LOCAL thread_local
+#endif
+
+#endif
