@@ -102,11 +102,10 @@ int AppendOneRecord(gwarraytype* array, const void* record) {
 }  // namespace
 
 int gwarray_append(gwarraytype* array, const void* record) {
-  // The platform's step reads the header only as far as it can trust it
-  // and hands everything doubtful back here, to the full checks.
   if (!array || !record) return -1;
   // Appending one record to a block with hidden room is what a program does
-  // most; the platform takes it in one step and hands everything else back.
+  // most. The platform takes it in one step, trusting the header only as
+  // far as it checks it, and hands everything else back to the full checks.
   if (qt_gmem_own_resize_in_use()) return qt::gmem::platform::AppendRecord(array, record, AppendOneRecord);
   return AppendOneRecord(array, record);
 }

@@ -119,7 +119,6 @@ TEST(GwarrayGrowth, AnInPlaceStepOfAnotherTableIsHonoured) {
   gwarray_release(&a);
 }
 
-
 // Headers that a caller damaged, or filled in by hand, are refused before
 // anything is written, even when the block behind them has room.
 TEST(GwarrayGrowth, DamagedHeadersAreRefusedAndTheBlockKeepsItsRecords) {
@@ -149,6 +148,7 @@ TEST(GwarrayGrowth, DamagedHeadersAreRefusedAndTheBlockKeepsItsRecords) {
   EXPECT_EQ((std::vector<int>{1, 2, 3, 9}), Ints(a));
   gwarray_release(&a);
 }
+
 TEST(GwarrayRecords, InsertGetUpdateAndOutOfRangeIndexes) {
   gwarraytype a = IntArray({1, 2, 3});
   const int seven = 7, eight = 8, nine = 9;

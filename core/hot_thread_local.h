@@ -1,8 +1,9 @@
 // Thread-local data read on a hot path. In a shared library on Linux a
 // thread_local normally costs a call to find the library's block on every
 // access; the initial-exec model makes it one load from the thread pointer.
-// The library is linked by its hosts, not opened later, so the few bytes
-// it takes from the static block are there. Windows has no such models.
+// The few bytes this takes come from the static block, where the C library
+// keeps room for them also when the library is opened at run time. Windows
+// has no such models.
 #ifndef QUILTOOL_CORE_HOT_THREAD_LOCAL_H
 #define QUILTOOL_CORE_HOT_THREAD_LOCAL_H
 

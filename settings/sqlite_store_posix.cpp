@@ -342,7 +342,6 @@ UnlockedCheck Store::unlockedCheck() const {
   return check;
 }
 
-
 void Store::keep(const std::string& key, CachedRead&& answer) {
   if (fill_ && (answer.rc == kOk || answer.rc == kFileNotFound || answer.rc == kKeyDeleted))
     cache_.put(key, std::move(answer));
