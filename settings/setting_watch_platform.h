@@ -11,6 +11,7 @@
 #ifndef QUILTOOL_SETTINGS_SETTING_WATCH_PLATFORM_H
 #define QUILTOOL_SETTINGS_SETTING_WATCH_PLATFORM_H
 
+#include <atomic>
 #include <cstdint>
 
 namespace qt {
@@ -28,7 +29,7 @@ struct Mark {
   // freed while the process runs, so a copy of the mark may be kept per
   // thread.
   const uint64_t* counterWord = nullptr;
-  const void* epochWord = nullptr;
+  const std::atomic<uint64_t>* epochWord = nullptr;
   int64_t dueMs = 0;
   bool operator==(const Mark& other) const { return counter == other.counter && epoch == other.epoch; }
   bool operator!=(const Mark& other) const { return !(*this == other); }

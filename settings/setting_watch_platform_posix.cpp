@@ -30,7 +30,7 @@ bool Take(Watch* watch, Mark* mark) {
 bool Unchanged(const Mark& mark) {
   qt_reg::UnlockedCheck check;
   check.word = mark.counterWord;
-  check.epoch = static_cast<const std::atomic<uint64_t>*>(mark.epochWord);
+  check.epoch = mark.epochWord;
   check.dueMs = mark.dueMs;
   return qt_reg::UserStoreMarkHolds(check, mark.counter, mark.epoch);
 }
