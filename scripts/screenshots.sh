@@ -23,6 +23,7 @@ if [ -z "${QT_SCREENSHOTS_INSIDE:-}" ] && { [ -z "${DISPLAY:-}" ] || [ -z "${WIN
   export QT_SCREENSHOTS_INSIDE=1
   xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
     wineboot -i >/dev/null 2>&1
+    wineserver -w
     "$0" "$1"; rc=$?
     wineserver -k 2>/dev/null
     exit $rc' "$0" "$build"

@@ -145,9 +145,13 @@ lane_windows() {
   export WINEPREFIX="$run_tmp/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   export WINEARCH=win64
   # One X server and one persistent wineserver for the whole lane: starting
-  # them per test would cost seconds each.
+  # them per test would cost seconds each. Making the prefix starts its
+  # service manager twice, and both linger for seconds; tests that start
+  # while they go down can meet two COM services. So the prefix is left to
+  # go quiet first, and the services then start once, with the first test.
   xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
     wineboot -i >/dev/null 2>&1
+    wineserver -w
     wineserver -p
     "$@"
     rc=$?
